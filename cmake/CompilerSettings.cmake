@@ -1,0 +1,25 @@
+# Warnings, sanitizers and Qt definitions that every target of the project shares.
+
+add_compile_definitions(
+    QT_NO_CAST_FROM_ASCII
+    QT_NO_CAST_TO_ASCII
+    QT_NO_URL_CAST_FROM_STRING
+    QT_NO_KEYWORDS)
+
+if(MSVC)
+    add_compile_options(/W4)
+else()
+    add_compile_options(-Wall -Wextra -Wpedantic -Wconversion -Wshadow)
+endif()
+
+if(TRESK_SANITIZE)
+    add_compile_options(-fsanitize=address,undefined -fno-omit-frame-pointer
+        -fno-sanitize-recover=all)
+    add_link_options(-fsanitize=address,undefined)
+    add_compile_definitions(QT_FORCE_ASSERTS)
+endif()
+
+if(TRESK_BUILD_FUZZERS)
+    # Tells libFuzzer which code an input reaches; harmless in what is not a fuzz target.
+    add_compile_options(-fsanitize=fuzzer-no-link)
+endif()

@@ -1,0 +1,16 @@
+#ifndef TRESK_TRESK_H
+#define TRESK_TRESK_H
+
+/// The whole public interface of the library.
+#include <tresk/BinaryDir.h>
+#include <tresk/Export.h>
+#include <tresk/FileHash.h>
+#include <tresk/FileIterator.h>
+#include <tresk/Inflater.h>
+#include <tresk/LogSource.h>
+#include <tresk/MD5Generator.h>
+#include <tresk/StopWatch.h>
+#include <tresk/TreskParser.h>
+#include <tresk/Validator.h>
+
+#endif

@@ -1,0 +1,82 @@
+#include "container/ZlibStream.h"
+
+#include <algorithm>
+
+namespace tresk {
+
+namespace {
+
+constexpr int outputSize = 1024 * 1024;
+constexpr qint64 largestInput = 1 << 30; // zlib counts its input in 32 bits
+
+} // namespace
+
+ZlibStream::ZlibStream()
+    : m_output(new char[outputSize])
+{
+    init();
+}
+
+ZlibStream::~ZlibStream()
+{
+    inflateEnd(&m_zlib);
+}
+
+void ZlibStream::init()
+{
+    m_zlib = z_stream();
+    m_finished = false;
+    m_valid = inflateInit(&m_zlib) == Z_OK;
+}
+
+void ZlibStream::reset()
+{
+    inflateEnd(&m_zlib);
+    init();
+}
+
+bool ZlibStream::inflate(const char* data, qint64 size, const Sink& sink)
+{
+    if (size <= 0)
+        return m_valid;
+    m_zlib.avail_in = 0; // what is left behind the end of the stream
+    bool bufferWasFull = false;
+    do {
+        provideInput(data, size);
+        m_zlib.next_out = reinterpret_cast<Bytef*>(m_output.get());
+        m_zlib.avail_out = outputSize;
+        const int result = ::inflate(&m_zlib, Z_NO_FLUSH);
+        // Input that ends just where the buffer was full is no fault.
+        if (result == Z_BUF_ERROR && bufferWasFull && m_zlib.avail_in == 0)
+            return true;
+        if (result != Z_OK && result != Z_STREAM_END)
+            return fail();
+        m_finished = result == Z_STREAM_END;
+        const int count = outputSize - int(m_zlib.avail_out);
+        if (count > 0 && !sink(m_output.get(), count))
+            return fail();
+        bufferWasFull = m_zlib.avail_out == 0;
+    } while (!m_finished && (bufferWasFull || size > 0));
+    return true;
+}
+
+/// Hands zlib the next part of the input once it has used up the last.
+void ZlibStream::provideInput(const char*& data, qint64& size)
+{
+    if (m_zlib.avail_in > 0 || size == 0)
+        return;
+    const qint64 count = std::min(size, largestInput);
+    m_zlib.next_in = reinterpret_cast<Bytef*>(const_cast<char*>(data));
+    m_zlib.avail_in = uInt(count);
+    data += count;
+    size -= count;
+}
+
+bool ZlibStream::fail()
+{
+    inflateEnd(&m_zlib);
+    m_valid = false;
+    return false;
+}
+
+} // namespace tresk

@@ -1,0 +1,7 @@
+#include "core/Logging.h"
+
+namespace tresk {
+
+Q_LOGGING_CATEGORY(debugCategory, "tresk", QtDebugMsg)
+
+} // namespace tresk
