@@ -1,0 +1,45 @@
+#include "TestFiles.h"
+
+#include <QDir>
+#include <QFile>
+
+#include <sys/stat.h>
+
+namespace tresktest {
+
+TestDir::TestDir()
+{
+    if (!m_dir.isValid())
+        qFatal("no temporary folder could be made");
+}
+
+QString TestDir::path(const QString& name) const
+{
+    return m_dir.filePath(name);
+}
+
+QString TestDir::write(const QString& name, const QByteArray& bytes) const
+{
+    QFile file(path(name));
+    if (!file.open(QIODevice::WriteOnly) || file.write(bytes) != bytes.size() || !file.flush())
+        qFatal("%s could not be written", qPrintable(file.fileName()));
+    return file.fileName();
+}
+
+QString TestDir::makePipe(const QString& name) const
+{
+    const QString pipe = path(name);
+    if (mkfifo(QFile::encodeName(pipe).constData(), S_IRUSR | S_IWUSR) != 0)
+        qFatal("%s could not be made", qPrintable(pipe));
+    return pipe;
+}
+
+QByteArray readFile(const QString& path)
+{
+    QFile file(path);
+    if (!file.open(QIODevice::ReadOnly))
+        qFatal("%s could not be read", qPrintable(path));
+    return file.readAll();
+}
+
+} // namespace tresktest
