@@ -1,0 +1,123 @@
+#include "CommandLine.h"
+
+#include "Messages.h"
+
+#include <QCommandLineOption>
+#include <QCommandLineParser>
+
+namespace tresk::cli {
+
+namespace {
+
+void addOptions(QCommandLineParser& parser, const std::vector<Option>& options)
+{
+    for (const Option& option : options) {
+        QStringList names = {QLatin1String(option.name)};
+        if (option.letter != 0)
+            names.prepend(QString(QLatin1Char(option.letter)));
+        QCommandLineOption parsed(names);
+        if (option.value)
+            parsed.setValueName(QLatin1String(option.value));
+        parser.addOption(parsed);
+    }
+}
+
+/// What is wrong with the options that @p parser has failed to parse.
+QString parseError(const QCommandLineParser& parser)
+{
+    const QStringList unknown = parser.unknownOptionNames();
+    if (!unknown.isEmpty()) {
+        const QString& name = unknown.first();
+        const QString dashes = name.size() == 1 ? QStringLiteral("-") : QStringLiteral("--");
+        return QStringLiteral("unknown option '%1%2'").arg(dashes, name);
+    }
+    QString text = parser.errorText();
+    if (text.endsWith(QLatin1Char('.')))
+        text.chop(1);
+    return text.left(1).toLower() + text.mid(1);
+}
+
+bool isColourSetting(const QString& value)
+{
+    return value == QLatin1String("auto") || value == QLatin1String("always")
+        || value == QLatin1String("never");
+}
+
+} // namespace
+
+const std::vector<Option>& commonOptions()
+{
+    static const std::vector<Option> options = {
+        {'q', "quiet", nullptr, "say nothing but errors, show no progress"},
+        {'v', "verbose", nullptr, "show more, and the library's log on standard error"},
+        {0, "color", "WHEN", "colour the output: auto (the default), always, never"},
+        {'h', "help", nullptr, "show this help"},
+        {0, "version", nullptr, "show the version"},
+    };
+    return options;
+}
+
+int findCommand(const QStringList& arguments)
+{
+    QCommandLineParser parser;
+    parser.setOptionsAfterPositionalArgumentsMode(QCommandLineParser::ParseAsPositionalArguments);
+    addOptions(parser, commonOptions());
+    if (!parser.parse(arguments)) {
+        reportUsage(nullptr, parseError(parser));
+        return -1;
+    }
+    return static_cast<int>(arguments.size() - parser.positionalArguments().size());
+}
+
+bool parseOptions(QCommandLineParser& parser, const Command* command, const QStringList& arguments)
+{
+    addOptions(parser, commonOptions());
+    if (command)
+        addOptions(parser, command->options);
+    if (!parser.parse(arguments)) {
+        reportUsage(command, parseError(parser));
+        return false;
+    }
+    const QString colour = QStringLiteral("color");
+    if (parser.isSet(colour) && !isColourSetting(parser.value(colour))) {
+        reportUsage(
+            command,
+            QStringLiteral("'%1' is none of auto, always and never").arg(parser.value(colour)));
+        return false;
+    }
+    return true;
+}
+
+bool checkArguments(const Command* command, const QStringList& arguments)
+{
+    if (!command) {
+        reportUsage(nullptr, QStringLiteral("no command given"));
+        return false;
+    }
+    const auto needed = static_cast<int>(command->required.size());
+    const auto given = static_cast<int>(arguments.size());
+    if (given < needed) {
+        const QString missing = QLatin1String(command->required[static_cast<size_t>(given)]);
+        reportUsage(command, QStringLiteral("no %1 given").arg(missing));
+        return false;
+    }
+    if (command->most != anyNumber && given > command->most) {
+        const QString& first = arguments[command->most];
+        reportUsage(command, QStringLiteral("unexpected argument '%1'").arg(first));
+        return false;
+    }
+    return true;
+}
+
+int reportUsage(const Command* command, const QString& problem)
+{
+    if (command) {
+        const QString name = QLatin1String(command->name);
+        reportError(name, QStringLiteral("%1; see 'tresk %2 --help'").arg(problem, name));
+    } else {
+        reportError(QStringLiteral("%1; see 'tresk --help'").arg(problem));
+    }
+    return exitTrouble;
+}
+
+} // namespace tresk::cli

@@ -1,0 +1,32 @@
+#ifndef TRESK_APPS_COMMANDS_H
+#define TRESK_APPS_COMMANDS_H
+
+#include "CommandLine.h"
+
+#include <QString>
+
+#include <vector>
+
+namespace tresk::cli {
+
+// Each in the file of its name.
+Command catCommand();
+Command extractCommand();
+Command filesCommand();
+Command helpCommand();
+Command logCommand();
+
+/// All commands in the order in which the help text lists them.
+const std::vector<Command>& commands();
+
+/// The command called @p name; null, after an error was reported, if there is none.
+const Command* findCommandNamed(const QString& name);
+
+/// What `tresk --help` prints.
+QString generalHelp();
+/// What `tresk NAME --help` prints.
+QString helpFor(const Command& command);
+
+} // namespace tresk::cli
+
+#endif

@@ -1,0 +1,140 @@
+#include "Document.h"
+
+#include "Messages.h"
+#include "SystemText.h"
+#include "Text.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <fcntl.h>
+#include <limits>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace tresk::cli {
+
+namespace {
+
+/// Where what the markers say of the file ends: its block, or its stored bytes.
+qint64 endOf(const FileTag& file)
+{
+    const qint64 markerEnd = qint64(file.pos) + file.tagLength;
+    const qint64 stored = file.compression == QLatin1String("none") ? file.filesize
+                                                                    : file.cfilesize;
+    return markerEnd + std::max<qint64>(file.blocksize, file.offset + stored);
+}
+
+qint64 endOf(const SectionTag& section)
+{
+    return qint64(section.pos) - section.left + section.size;
+}
+
+template <typename Tags>
+qint64 countBeyond(const Tags& tags, qint64 size)
+{
+    return std::count_if(tags.begin(), tags.end(),
+                         [size](const auto& tag) { return endOf(tag) > size; });
+}
+
+} // namespace
+
+Document::Document()
+{
+    QObject::connect(&m_parser, &LogSource::log, &m_parser,
+                     [](const QString& text) { relayLogLine(text); });
+}
+
+Document::~Document()
+{
+    if (m_fd != -1)
+        close(m_fd);
+}
+
+bool Document::open(const QString& path)
+{
+    m_name = path;
+    const QString problem = problemWithFile();
+    if (!problem.isEmpty()) {
+        report(problem);
+        return false;
+    }
+    // The parser wants a path that Qt can encode; the open file has one.
+    const QString parserPath = isUndecoded(path) ? QStringLiteral("/dev/fd/%1").arg(m_fd) : path;
+    if (!m_parser.open(parserPath)) {
+        report(QStringLiteral("has no history: none of its first 10 lines is a history header"));
+        return false;
+    }
+    if (m_parser.getNumSections() == 0 && m_parser.getNumFiles() == 0) {
+        report(QStringLiteral("has an empty history: neither steps nor embedded files"));
+        return false;
+    }
+    return true;
+}
+
+QByteArray Document::bytes(qint64 pos, int length)
+{
+    return m_parser.getBytes(static_cast<int>(pos), length);
+}
+
+void Document::report(const QString& problem) const
+{
+    reportError(m_name, problem);
+}
+
+void Document::report(const FileTag& file, const QString& problem) const
+{
+    reportError(m_name, describe(file) + QStringLiteral(": ") + problem);
+}
+
+void Document::warn(const FileTag& file, const QString& remark) const
+{
+    reportWarning(m_name, describe(file) + QStringLiteral(": ") + remark);
+}
+
+bool Document::checkExtent() const
+{
+    const qint64 steps = countBeyond(m_parser.getSections(), m_size);
+    const qint64 files = countBeyond(m_parser.getFiles(), m_size);
+    QStringList what;
+    if (steps > 0)
+        what += counted(steps, QStringLiteral("step"));
+    if (files > 0)
+        what += counted(files, QStringLiteral("embedded file"));
+    if (what.isEmpty())
+        return true;
+    report(QStringLiteral("is cut off or damaged: %1 would reach beyond its end")
+               .arg(what.join(QStringLiteral(" and "))));
+    return false;
+}
+
+/// Opens the file and says why it cannot be a document; nothing if it can.
+QString Document::problemWithFile()
+{
+    if (m_name == QLatin1String("-"))
+        return QStringLiteral("standard input is not supported (./- is a file of that name)");
+    // Without O_NONBLOCK a named pipe would wait for its writer.
+    m_fd = ::open(toSystem(m_name).constData(), O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC);
+    struct stat status = {};
+    if (m_fd == -1 || fstat(m_fd, &status) != 0)
+        return systemError(errno);
+    if (S_ISDIR(status.st_mode))
+        return QStringLiteral("is a directory");
+    if (!S_ISREG(status.st_mode))
+        return QStringLiteral("is not a regular file");
+    if (status.st_size == 0)
+        return QStringLiteral("is empty");
+    if (status.st_size > std::numeric_limits<int>::max())
+        return QStringLiteral("has 2 GiB or more, which is not supported");
+    char byte = 0;
+    if (pread(m_fd, &byte, 1, 0) == -1)
+        return systemError(errno);
+    m_size = status.st_size;
+    return {};
+}
+
+QString describe(const FileTag& file)
+{
+    return QStringLiteral("file %1 %2").arg(QString::number(file.id), shownQuoted(file.filename));
+}
+
+} // namespace tresk::cli

@@ -1,0 +1,55 @@
+#ifndef TRESK_APPS_DOCUMENT_H
+#define TRESK_APPS_DOCUMENT_H
+
+#include <tresk/TreskParser.h>
+
+#include <QString>
+
+namespace tresk::cli {
+
+/// A document that a command works on.
+class Document {
+public:
+    Document();
+    ~Document();
+
+    /// Opens the document at @p path. Reports what is wrong and returns false if there is no
+    /// history in it.
+    bool open(const QString& path);
+
+    /// The path as the user gave it.
+    const QString& name() const { return m_name; }
+    qint64 size() const { return m_size; }
+    const TreskParser& parser() const { return m_parser; }
+    /// @p length bytes from offset @p pos, a range inside the document; fewer if they cannot
+    /// be read.
+    QByteArray bytes(qint64 pos, int length);
+
+    /// Reports an error about this document.
+    void report(const QString& problem) const;
+    /// Reports an error about an embedded file of this document.
+    void report(const FileTag& file, const QString& problem) const;
+    /// Reports what is remarkable about an embedded file of this document, but no error.
+    void warn(const FileTag& file, const QString& remark) const;
+
+    /// Reports a document that has lost its end: steps or embedded files that reach beyond
+    /// it. True if everything is within.
+    bool checkExtent() const;
+
+private:
+    Q_DISABLE_COPY(Document)
+
+    QString problemWithFile();
+
+    QString m_name;
+    int m_fd = -1;
+    qint64 m_size = 0;
+    TreskParser m_parser;
+};
+
+/// How messages speak of an embedded file.
+QString describe(const FileTag& file);
+
+} // namespace tresk::cli
+
+#endif

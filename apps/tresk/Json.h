@@ -1,0 +1,31 @@
+#ifndef TRESK_APPS_JSON_H
+#define TRESK_APPS_JSON_H
+
+#include <QByteArray>
+#include <QJsonArray>
+#include <QJsonObject>
+#include <QJsonValue>
+#include <QString>
+
+/// What the commands print for other programs. Every command prints one object.
+///
+/// Texts of markers come as they are stored under their plain name, say "title". Where that
+/// differs from what people are shown, because of an escape, "titleUnescaped" stands beside
+/// it. Numbers that a marker leaves out are null.
+namespace tresk::cli {
+
+class Output;
+
+/// Puts the marker's value @p stored into @p object.
+void insertText(QJsonObject& object, const QString& name, const QString& stored);
+
+/// A number of a marker; null for one below 0.
+QJsonValue jsonNumber(int number);
+
+/// Writes @p object in several lines, as UTF-8. Characters that a terminal might act on are
+/// escaped.
+void writeJson(Output& output, const QJsonObject& object);
+
+} // namespace tresk::cli
+
+#endif

@@ -1,0 +1,40 @@
+#ifndef TRESK_APPS_TABLE_H
+#define TRESK_APPS_TABLE_H
+
+#include "Style.h"
+
+#include <QStringList>
+#include <QVector>
+
+namespace tresk::cli {
+
+class Output;
+
+/// Rows of printable texts in columns that are aligned by their width on a terminal.
+class Table {
+public:
+    enum Alignment { Left, Right };
+
+    struct Column {
+        QString title;
+        Alignment alignment;
+    };
+
+    explicit Table(const QVector<Column>& columns);
+
+    /// Adds a row, with a text for each column. The first is the id of what the row is about.
+    void addRow(const QStringList& row);
+    /// Writes the titles, if @p withTitles, and the rows, each line behind @p indent.
+    void writeTo(Output& output, const Style& style, bool withTitles,
+                 const QString& indent = QString()) const;
+
+private:
+    QString line(const QStringList& row, const QVector<int>& widths) const;
+
+    QVector<Column> m_columns;
+    QVector<QStringList> m_rows;
+};
+
+} // namespace tresk::cli
+
+#endif
