@@ -1,0 +1,50 @@
+# What `cmake --install` puts where: the public headers, the library, the command, and
+# what finds them again, a package configuration for CMake and a file for pkg-config.
+# The installed tree may be moved: nothing in it knows where it stands.
+
+include(CMakePackageConfigHelpers)
+
+set(package_dir ${CMAKE_INSTALL_LIBDIR}/cmake/tresklib)
+set(pkgconfig_dir ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
+
+# Users of the headers need the language that these are written in.
+target_compile_features(tresklib PUBLIC cxx_std_17)
+
+install(TARGETS tresklib EXPORT tresklibTargets
+    LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}
+    ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR}
+    RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
+install(DIRECTORY include/tresk DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}
+    FILES_MATCHING PATTERN "*.h")
+
+# The command finds the library of its own tree.
+file(RELATIVE_PATH bin_to_lib ${CMAKE_INSTALL_FULL_BINDIR} ${CMAKE_INSTALL_FULL_LIBDIR})
+set_target_properties(tresk PROPERTIES INSTALL_RPATH "$ORIGIN/${bin_to_lib}")
+install(TARGETS tresk RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
+
+# find_package(tresklib). Before 1.0 a new minor version may change the interface.
+configure_package_config_file(
+    cmake/tresklibConfig.cmake.in ${PROJECT_BINARY_DIR}/tresklibConfig.cmake
+    INSTALL_DESTINATION ${package_dir})
+write_basic_package_version_file(
+    ${PROJECT_BINARY_DIR}/tresklibConfigVersion.cmake
+    COMPATIBILITY SameMinorVersion)
+install(FILES
+    ${PROJECT_BINARY_DIR}/tresklibConfig.cmake
+    ${PROJECT_BINARY_DIR}/tresklibConfigVersion.cmake
+    DESTINATION ${package_dir})
+install(EXPORT tresklibTargets
+    FILE tresklibTargets.cmake
+    NAMESPACE tresklib::
+    DESTINATION ${package_dir})
+
+# pkg-config tresklib. Appending to ${prefix} gives way to folders that are absolute.
+file(RELATIVE_PATH pkgconfig_to_prefix
+    ${CMAKE_INSTALL_FULL_LIBDIR}/pkgconfig ${CMAKE_INSTALL_PREFIX})
+string(REGEX REPLACE "/$" "" pkgconfig_to_prefix ${pkgconfig_to_prefix})
+set(pc_libdir "\${prefix}")
+cmake_path(APPEND pc_libdir "${CMAKE_INSTALL_LIBDIR}")
+set(pc_includedir "\${prefix}")
+cmake_path(APPEND pc_includedir "${CMAKE_INSTALL_INCLUDEDIR}")
+configure_file(cmake/tresklib.pc.in ${PROJECT_BINARY_DIR}/tresklib.pc @ONLY)
+install(FILES ${PROJECT_BINARY_DIR}/tresklib.pc DESTINATION ${pkgconfig_dir})
