@@ -1,0 +1,162 @@
+#include "Data.h"
+
+#include "DocumentWriter.h"
+
+#include <QFile>
+#include <QTemporaryDir>
+
+#include <algorithm>
+#include <random>
+
+using tresktest::DocumentWriter;
+using tresktest::FileSpec;
+using tresktest::SectionSpec;
+
+namespace treskbench {
+
+namespace {
+
+const int mebibyte = 1024 * 1024;
+const int pattern = 32 * mebibyte; // repeats in longer data; far beyond what zlib looks back
+
+int between(std::mt19937& random, int low, int high)
+{
+    return low + int(random() % unsigned(high - low + 1));
+}
+
+void appendLines(QByteArray& bytes, int count, std::mt19937& random)
+{
+    static const char characters[] = "0123456789 .-/abcdefghijklmnopqrstuvwxyzBTEfTmTjTd%<>[]";
+    const int end = int(bytes.size()) + count;
+    while (bytes.size() < end) {
+        const int length = std::min(between(random, 60, 100), end - int(bytes.size()));
+        for (int i = 1; i < length; ++i)
+            bytes.append(characters[random() % (sizeof(characters) - 1)]);
+        bytes.append('\n');
+    }
+}
+
+void appendRandom(QByteArray& bytes, int count, std::mt19937& random)
+{
+    for (int i = 0; i < count; ++i)
+        bytes.append(char(random()));
+}
+
+void save(const QString& path, const QByteArray& bytes)
+{
+    QFile file(path);
+    if (!file.open(QIODevice::WriteOnly | QIODevice::Append) || file.write(bytes) != bytes.size())
+        qFatal("cannot write benchmark data; is there room in TMPDIR?");
+}
+
+/// @p bytes again and again, @p size bytes in all.
+QByteArray repeated(const QByteArray& bytes, int size)
+{
+    QByteArray all;
+    all.reserve(size + int(bytes.size()));
+    while (all.size() < size)
+        all.append(bytes);
+    all.truncate(size);
+    return all;
+}
+
+} // namespace
+
+int largestMebibytes()
+{
+    bool ok = false;
+    const int size = qEnvironmentVariableIntValue("TRESK_BENCHMARK_MIB", &ok);
+    return ok && size > 0 ? std::min(size, 2000) : 1024;
+}
+
+QString dataPath(const QString& name)
+{
+    static const QTemporaryDir dir;
+    return dir.filePath(name);
+}
+
+QByteArray hostBytes(int size)
+{
+    std::mt19937 random(1);
+    QByteArray bytes;
+    while (bytes.size() < std::min(size, pattern)) {
+        appendLines(bytes, between(random, 4096, 65536), random);
+        appendRandom(bytes, between(random, 4096, 65536), random);
+    }
+    return repeated(bytes, size);
+}
+
+QByteArray prose(int size)
+{
+    std::mt19937 random(2);
+    std::vector<QByteArray> words;
+    for (int i = 0; i < 4000; ++i) {
+        QByteArray word;
+        for (int n = between(random, 2, 11); n > 0; --n)
+            word.append(char('a' + random() % 26));
+        words.push_back(word);
+    }
+    QByteArray bytes;
+    while (bytes.size() < std::min(size, pattern)) {
+        const double rare = std::generate_canonical<double, 32>(random);
+        bytes.append(words[std::size_t(rare * rare * rare * rare * double(words.size()))]);
+        bytes.append(random() % 12 == 0 ? '\n' : ' ');
+    }
+    return repeated(bytes, size);
+}
+
+QString writeHostDocument(const QString& name, int mebibytes, bool withHistory)
+{
+    const QString path = dataPath(name);
+    const QByteArray chunk = hostBytes(pattern);
+    save(path, "%PDF-1.4\n" + tresktest::headerLine() + '\n');
+    for (qint64 left = qint64(mebibytes) * mebibyte; left > 0; left -= chunk.size())
+        save(path, chunk.left(int(std::min<qint64>(left, chunk.size()))));
+    if (!withHistory)
+        return path;
+
+    // Markers store distances only, so a history can be written without what is in front of it.
+    DocumentWriter history("\n");
+    for (int i = 0; i < 3; ++i) {
+        SectionSpec step;
+        step.title = QStringLiteral("step %1").arg(i);
+        step.files = {FileSpec::plain(QStringLiteral("in.txt"), prose(500)),
+                      FileSpec::flate(QStringLiteral("out.txt"), prose(2000))};
+        history.writeSection(step);
+    }
+    save(path, history.bytes());
+    return path;
+}
+
+QString writeLargeFileDocument(const QString& name, int mebibytes, bool compressed)
+{
+    const int size = mebibytes * mebibyte;
+    const QString file = QStringLiteral("large.bin");
+    SectionSpec step;
+    step.files = {compressed ? FileSpec::flate(file, prose(size))
+                             : FileSpec::plain(file, hostBytes(size))};
+    DocumentWriter document;
+    document.write("%PDF-1.4\n");
+    document.writeHeader();
+    document.writeSection(step);
+    save(dataPath(name), document.bytes());
+    return dataPath(name);
+}
+
+QString writeLongHistory(const QString& name, int sections, int filesEach)
+{
+    DocumentWriter document;
+    document.write("%PDF-1.4\n");
+    document.writeHeader();
+    for (int i = 0; i < sections; ++i) {
+        SectionSpec step;
+        step.title = QStringLiteral("step %1").arg(i);
+        for (int k = 0; k < filesEach; ++k)
+            step.files.append(FileSpec::plain(QStringLiteral("%1.txt").arg(k), "content"));
+        document.writeSection(step);
+    }
+    save(dataPath(name), document.bytes());
+    return dataPath(name);
+}
+
+} // namespace treskbench
