@@ -24,7 +24,7 @@ namespace tresk {
 /// again, and the other way round.
 ///
 /// Only a slice of the file is held in memory, of 10240 bytes after a jump and of up to
-/// half a mebibyte while a scan goes on, besides the current line. Time is linear in the
+/// 256 KiB while a scan goes on, besides the current line. Time is linear in the
 /// bytes passed, however long the lines are.
 ///
 /// Positions are byte offsets in signed 32-bit integers, and sizes are truncated to them:

@@ -14,7 +14,7 @@ namespace {
 // A jump loads a small slice around its target; a scan that goes on reads ever larger ones,
 // because reading a large document in small steps costs a fifth of the time.
 constexpr int smallestSlice = 10240;
-constexpr int largestSlice = 512 * 1024;
+constexpr int largestSlice = 256 * 1024;
 constexpr std::size_t npos = std::string_view::npos;
 
 } // namespace
