@@ -251,6 +251,13 @@ void TestFileContent::checksums_data()
         << plain(text).with("cfilesize", "1000") << md5Hex("") << none;
     QTest::newRow("flate, range outside the document")
         << flate(text).with("cfilesize", "1000") << md5Hex("") << md5Hex("");
+    const QByteArray large = binary().repeated(200);
+    QTest::newRow("plain, much of a range in the document")
+        << plain(large).with("cfilesize", QByteArray::number(large.size() + 1000)) << md5Hex("")
+        << none;
+    QTest::newRow("flate, much of a range in the document")
+        << storedAs(flate(large), deflated(large, 0) + large).with("cfilesize", "3000000")
+        << md5Hex("") << md5Hex("");
     QTest::newRow("flate, nothing stored") << storedAs(flate(text), "") << md5Hex("") << md5Hex("");
 }
 

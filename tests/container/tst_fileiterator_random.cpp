@@ -201,11 +201,11 @@ QByteArray fileOf(QRandomGenerator& random, int kind)
     case 0:
         return linesUpToBorder(random, 10240);
     case 1:
-        return QByteArray(random.bounded(3), '\n');
+        return QByteArray("\n").repeated(random.bounded(3));
     case 2:
-        return QByteArray(random.bounded(25000), '\n');
+        return QByteArray("\n").repeated(random.bounded(25000));
     case 3:
-        return QByteArray(10240 * random.bounded(4) + random.bounded(3), 'x');
+        return QByteArray("x").repeated(10240 * random.bounded(4) + random.bounded(3));
     case 4:
         return tresktest::randomBytes(random, random.bounded(30000));
     case 5:

@@ -49,6 +49,7 @@ private Q_SLOTS:
     void filesInOrder();
     void filesOutsideSections();
     void markerAtTheStartOfTheFile();
+    void markerBehindByteOrderMark();
     void markerAtTheEndOfTheFile();
     void textBeforeMarker();
     void markerWithNulByte();
@@ -126,6 +127,17 @@ void TestFileScan::markerAtTheStartOfTheFile()
     doc.writeHeader();
     QCOMPARE(names(doc), list({"a"}));
     QCOMPARE(m_parser->getFile(0)->pos, 1);
+}
+
+void TestFileScan::markerBehindByteOrderMark()
+{
+    // It begins the text of the file's first line, but not its bytes, which are what counts.
+    DocumentWriter doc("\xef\xbb\xbf");
+    doc.writeFile(named("a", ""));
+    doc.writeHeader();
+    doc.write("\xef\xbb\xbf");
+    doc.writeFile(named("b", ""));
+    QCOMPARE(names(doc), QStringList());
 }
 
 void TestFileScan::markerAtTheEndOfTheFile()

@@ -62,7 +62,6 @@ private Q_SLOTS:
     void resetInTheMiddle();
     void fullBuffer_data();
     void fullBuffer();
-    void inputIsNotChanged();
 };
 
 void TestInflater::newInflater()
@@ -268,15 +267,6 @@ void TestInflater::fullBuffer()
         QVERIFY(inflater.hasFinished());
         QVERIFY(decoded == content);
     }
-}
-
-void TestInflater::inputIsNotChanged()
-{
-    const QByteArray stream = deflated(text);
-    QByteArray input = stream;
-    Inflater inflater;
-    inflater.inflateData(input);
-    QCOMPARE(input, stream);
 }
 
 QTEST_GUILESS_MAIN(TestInflater)

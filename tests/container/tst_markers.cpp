@@ -158,7 +158,7 @@ void TestMarkers::textValue_data()
     is("escaped bracket", "a\\]b", QStringLiteral("a\\]b"));
     is("escaped backslash", "a\\\\b", QStringLiteral("a\\\\b"));
     is("escaped line break", "a\\nb", QStringLiteral("a\\nb"));
-    is("escapes only", "\\\\\\]\\n", QStringLiteral("\\\\\\]\\n"));
+    is("escapes only", R"(\\\]\n)", QStringLiteral(R"(\\\]\n)"));
     is("backslash at the end", "a\\\\", QStringLiteral("a\\\\"));
     is("end of a marker", "a-->b", QStringLiteral("a-->b"));
     is("start of a marker", "%<--! $TRESK_SECTION [", QStringLiteral("%<--! $TRESK_SECTION ["));

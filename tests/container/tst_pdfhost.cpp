@@ -101,7 +101,7 @@ void TestPdfHost::unsuitable()
 
 void TestPdfHost::tail()
 {
-    const QByteArray table = QByteArray::number(qint64(pdf().indexOf("\nxref\n") + 1));
+    const QByteArray table = QByteArray::number(qint64(pdf().indexOf("\nxref\n")) + 1);
     QCOMPARE(pdfTail(pdf()), QByteArray("startxref\n" + table + "\n%%EOF\n"));
     QCOMPARE(pdfTail(pdf() + "%a history\n" + pdfTail(pdf())), pdfTail(pdf()));
     QCOMPARE(pdfTail("text"), QByteArray());

@@ -52,8 +52,8 @@ public:
     QStringList typed;
 
 public Q_SLOTS:
-    void log(const QString text) { plain.append(text); }
-    void log(const QString text, const int type)
+    void log(const QString& text) { plain.append(text); }
+    void log(const QString& text, const int type)
     {
         typed.append(QStringLiteral("%1:%2").arg(type).arg(text));
     }
@@ -67,7 +67,7 @@ public:
     QStringList texts;
 
 public Q_SLOTS:
-    void log(QString text, int type = 0)
+    void log(const QString& text, int type = 0)
     {
         texts.append(QStringLiteral("%1:%2").arg(type).arg(text));
     }

@@ -28,7 +28,7 @@ QString TestDir::write(const QString& name, const QByteArray& bytes) const
 
 QString TestDir::makePipe(const QString& name) const
 {
-    const QString pipe = path(name);
+    QString pipe = path(name);
     if (mkfifo(QFile::encodeName(pipe).constData(), S_IRUSR | S_IWUSR) != 0)
         qFatal("%s could not be made", qPrintable(pipe));
     return pipe;
