@@ -15,6 +15,12 @@ namespace tresk::cli {
 
 namespace {
 
+/// How messages speak of an embedded file.
+QString describe(const FileTag& file)
+{
+    return QStringLiteral("file %1 %2").arg(QString::number(file.id), shownQuoted(file.filename));
+}
+
 /// Where what the markers say of the file ends: its block, or its stored bytes.
 qint64 endOf(const FileTag& file)
 {
@@ -130,11 +136,6 @@ QString Document::problemWithFile()
         return systemError(errno);
     m_size = status.st_size;
     return {};
-}
-
-QString describe(const FileTag& file)
-{
-    return QStringLiteral("file %1 %2").arg(QString::number(file.id), shownQuoted(file.filename));
 }
 
 } // namespace tresk::cli

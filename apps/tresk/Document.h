@@ -47,9 +47,6 @@ private:
     TreskParser m_parser;
 };
 
-/// How messages speak of an embedded file.
-QString describe(const FileTag& file);
-
 } // namespace tresk::cli
 
 #endif

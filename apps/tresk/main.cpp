@@ -7,22 +7,10 @@
 
 #include <cerrno>
 #include <csignal>
-#include <fcntl.h>
-#include <unistd.h>
 
 namespace tresk::cli {
 
 namespace {
-
-/// Occupies the standard descriptors that are closed, lest a file that is opened later take
-/// the place of one and receive what is meant for it. Reading or writing fails as before.
-void occupyStandardDescriptors()
-{
-    for (const int fd : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) {
-        if (fcntl(fd, F_GETFD) == -1 && errno == EBADF)
-            open("/dev/null", fd == STDIN_FILENO ? O_WRONLY : O_RDONLY);
-    }
-}
 
 /// Makes a closed pipe and a file that grows beyond the limit errors that are reported, where
 /// a signal would end the program with its work half done.
@@ -83,16 +71,18 @@ int dispatch(Invocation& invocation, QStringList arguments, int position)
     return command->run(invocation);
 }
 
-/// Writes what is left of the output and reports what went wrong with it.
+/// Writes what is left of the output and reports what went wrong with it. Nobody needs to be
+/// told that the reader has gone away, or that a signal has ended the command while it wrote.
 int finish(Output& output, int exitCode)
 {
     output.flush();
-    if (output.error() == 0)
+    const int error = output.error();
+    const bool expected = error == EPIPE || error == EINTR;
+    if (error != 0 && !expected)
+        reportError(QStringLiteral("standard output"), systemError(error));
+    if (error == 0 || exitCode != exitDone)
         return exitCode;
-    if (output.error() == EPIPE)
-        return exitSignal + SIGPIPE;
-    reportError(QStringLiteral("standard output"), systemError(output.error()));
-    return exitTrouble;
+    return error == EPIPE ? exitSignal + SIGPIPE : exitTrouble;
 }
 
 int run(const QStringList& arguments)
@@ -112,7 +102,6 @@ int main(int argc, char** argv)
 {
     using namespace tresk::cli;
 
-    occupyStandardDescriptors();
     ignoreWriteSignals();
     catchLogLines();
     useUtf8ForSystemText();

@@ -33,13 +33,15 @@ private Q_SLOTS:
     void ignoredSignalIsIgnored();
     void brokenPipeStopsNothing();
     void fullOutputIsReported();
-    void removedDirectoryIsReported();
+    void nameTakenMeanwhileIsKept();
+    void movedDirectoryIsFollowed();
 
 private:
     QString write(const QVector<FileSpec>& files);
     Command extract(const QStringList& arguments = {}) const;
     QString target(const char* name) const;
     QStringList entries() const;
+    void waitForEntries(int count) const;
 
     QScopedPointer<TestDir> m_dir;
     QString m_document;
@@ -54,6 +56,9 @@ QString text(const char* utf8)
 }
 
 const qint64 mebibyte = qint64(1024) * 1024;
+
+/// A script that gives way to everything else, so that what happens meanwhile comes in time.
+const QString slowly = QStringLiteral("exec nice -n 19 \"$@\"");
 
 } // namespace
 
@@ -85,6 +90,15 @@ QStringList TestCommandExtractFaults::entries() const
 {
     return QDir(m_target).entryList(
         QDir::AllEntries | QDir::Hidden | QDir::System | QDir::NoDotAndDotDot, QDir::Name);
+}
+
+/// Waits until so many files are in the target directory: the last one has been begun then.
+void TestCommandExtractFaults::waitForEntries(int count) const
+{
+    QElapsedTimer timer;
+    timer.start();
+    while (entries().size() < count && timer.elapsed() < 30000)
+        QTest::qSleep(1);
 }
 
 void TestCommandExtractFaults::damagedFileIsNotWritten_data()
@@ -228,13 +242,10 @@ void TestCommandExtractFaults::signalEndsIt()
            FileSpec::plain(text("behind"), "behind")});
     // Once the second file has been begun, it takes a second at least until it is complete.
     const auto interrupt = [this, number](qint64 process) {
-        QElapsedTimer timer;
-        timer.start();
-        while (entries().size() < 2 && timer.elapsed() < 30000)
-            QTest::qSleep(1);
+        waitForEntries(2);
         kill(static_cast<pid_t>(process), number);
     };
-    const Outcome outcome = extract({text("--json")}).runWhile(interrupt);
+    const Outcome outcome = extract({text("--json")}).inShell(slowly).runWhile(interrupt);
     QCOMPARE(outcome.errors, "tresk: " + m_document.toUtf8() + ": interrupted\n");
     QCOMPARE(outcome.exitCode, 128 + number);
     QCOMPARE(entries(), QStringList{text("done")});
@@ -248,10 +259,7 @@ void TestCommandExtractFaults::ignoredSignalIsIgnored()
 {
     write({fileOfZeros(text("zeros"), 100 * mebibyte)});
     const auto hangUp = [this](qint64 process) {
-        QElapsedTimer timer;
-        timer.start();
-        while (entries().isEmpty() && timer.elapsed() < 30000)
-            QTest::qSleep(1);
+        waitForEntries(1);
         kill(static_cast<pid_t>(process), SIGHUP);
     };
     const Outcome outcome = extract().inShell(text("trap '' HUP; exec \"$@\"")).runWhile(hangUp);
@@ -280,16 +288,29 @@ void TestCommandExtractFaults::fullOutputIsReported()
     QCOMPARE(entries(), QStringList{text("f")});
 }
 
-void TestCommandExtractFaults::removedDirectoryIsReported()
+void TestCommandExtractFaults::nameTakenMeanwhileIsKept()
+{
+    write({fileOfZeros(text("zeros"), 200 * mebibyte)});
+    m_dir->write(text("outside"), "mine");
+    const auto takeName = [this](qint64) {
+        waitForEntries(1);
+        QVERIFY(QFile::link(text("../outside"), target("zeros")));
+    };
+    const Outcome outcome = extract().inShell(slowly).runWhile(takeName);
+    QVERIFY2(outcome.errors.endsWith(": it exists already (--force replaces it)\n"),
+             outcome.errors.constData());
+    QCOMPARE(outcome.exitCode, 2);
+    QCOMPARE(entries(), QStringList{text("zeros")});
+    QCOMPARE(readFile(target("zeros")), QByteArray("mine"));
+}
+
+void TestCommandExtractFaults::movedDirectoryIsFollowed()
 {
     write({fileOfZeros(text("zeros"), 200 * mebibyte), FileSpec::plain(text("behind"), "x")});
     // What has the directory's name afterwards is none of the command's business.
     const QString moved = m_dir->path(text("moved"));
     const auto move = [this, &moved](qint64) {
-        QElapsedTimer timer;
-        timer.start();
-        while (entries().isEmpty() && timer.elapsed() < 30000)
-            QTest::qSleep(1);
+        waitForEntries(1);
         QVERIFY(QDir().rename(m_target, moved));
         QVERIFY(QDir().mkdir(m_target));
     };
