@@ -29,7 +29,7 @@ constexpr std::size_t step = 64;
 quint64 pairsIn(const char* bytes, __m128i first, __m128i second)
 {
     __m128i pairs[4];
-    for (int i = 0; i < 4; ++i) {
+    for (std::ptrdiff_t i = 0; i < 4; ++i) {
         const auto* const here = reinterpret_cast<const __m128i*>(bytes + 16 * i);
         const auto* const next = reinterpret_cast<const __m128i*>(bytes + 16 * i + 1);
         pairs[i] = _mm_and_si128(_mm_cmpeq_epi8(_mm_loadu_si128(here), first),
