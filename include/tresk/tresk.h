@@ -4,6 +4,7 @@
 /// The whole public interface of the library.
 #include <tresk/BinaryDir.h>
 #include <tresk/Export.h>
+#include <tresk/ExtractionQueue.h>
 #include <tresk/FileHash.h>
 #include <tresk/FileIterator.h>
 #include <tresk/Inflater.h>
@@ -11,6 +12,7 @@
 #include <tresk/MD5Generator.h>
 #include <tresk/StopWatch.h>
 #include <tresk/TreskParser.h>
+#include <tresk/ValidationQueue.h>
 #include <tresk/Validator.h>
 
 #endif

@@ -72,10 +72,8 @@ public:
         const qint64 before = m_target.pos();
         bool written = true;
         const auto putAll = [&](const char* data, int count) { return written = put(data, count); };
-        if (!m_stream->inflate(piece.constData(), piece.size(), putAll) && written) {
-            m_target.resize(before);
-            m_target.seek(before);
-        }
+        if (!m_stream->inflate(piece.constData(), piece.size(), putAll) && written)
+            m_target.resize(before); // goes back there, too
         return written;
     }
 

@@ -2,6 +2,9 @@
 
 #include <QDir>
 #include <QFile>
+#include <QFileInfo>
+
+#include <algorithm>
 
 #include <sys/stat.h>
 
@@ -40,6 +43,18 @@ QByteArray readFile(const QString& path)
     if (!file.open(QIODevice::ReadOnly))
         qFatal("%s could not be read", qPrintable(path));
     return file.readAll();
+}
+
+std::optional<bool> isOpen(const QString& path)
+{
+    const QDir descriptors(QStringLiteral("/proc/self/fd"));
+    if (!descriptors.exists())
+        return std::nullopt;
+    const QString target = QFileInfo(path).canonicalFilePath();
+    const QFileInfoList list = descriptors.entryInfoList(QDir::Files | QDir::System);
+    return std::any_of(list.begin(), list.end(), [&target](const QFileInfo& descriptor) {
+        return descriptor.symLinkTarget() == target;
+    });
 }
 
 } // namespace tresktest

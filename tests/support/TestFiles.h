@@ -5,6 +5,8 @@
 #include <QString>
 #include <QTemporaryDir>
 
+#include <optional>
+
 namespace tresktest {
 
 /// A folder for the files of one test, removed with all that is in it.
@@ -25,6 +27,9 @@ private:
 
 /// All bytes of the file at @p path.
 QByteArray readFile(const QString& path);
+
+/// Whether this process has the file at @p path open; nothing where the system does not tell.
+std::optional<bool> isOpen(const QString& path);
 
 } // namespace tresktest
 
