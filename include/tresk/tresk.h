@@ -11,7 +11,11 @@
 #include <tresk/LogSource.h>
 #include <tresk/MD5Generator.h>
 #include <tresk/StopWatch.h>
+#include <tresk/Summary.h>
+#include <tresk/SummaryCreator.h>
+#include <tresk/SummaryReader.h>
 #include <tresk/TreskParser.h>
+#include <tresk/Tripple.h>
 #include <tresk/ValidationQueue.h>
 #include <tresk/Validator.h>
 

@@ -1,8 +1,10 @@
 #include <tresk/FileHash.h>
+#include <tresk/Summary.h>
 #include <tresk/TreskParser.h>
 
 #include <QTest>
 
+using tresk::FileSummary;
 using tresk::FileTag;
 using tresk::makeFileHash;
 
@@ -13,6 +15,9 @@ private Q_SLOTS:
     void hash_data();
     void hash();
     void otherFieldsDoNotCount();
+    void otherFieldsOfSummaryDoNotCount();
+    void summaryOfTag();
+    void defaultSummary();
     void namesAreNotEscaped();
 };
 
@@ -51,6 +56,12 @@ void TestFileHash::hash()
     file.md5file = md5file;
     file.filesize = filesize;
     QCOMPARE(makeFileHash(file, section), expected);
+
+    FileSummary summary;
+    summary.filename = filename;
+    summary.uncompressedMD5 = md5file;
+    summary.uncompressedSize = filesize;
+    QCOMPARE(makeFileHash(summary, section), expected);
 }
 
 void TestFileHash::otherFieldsDoNotCount()
@@ -68,6 +79,40 @@ void TestFileHash::otherFieldsDoNotCount()
     QVERIFY(makeFileHash(file, 3) != makeFileHash(file, 4));
 }
 
+void TestFileHash::otherFieldsOfSummaryDoNotCount()
+{
+    FileSummary file;
+    file.filename = QStringLiteral("a");
+    file.uncompressedSize = 1;
+    FileSummary other = file;
+    other.tagId = 7;
+    other.filepath = QStringLiteral("b");
+    other.embedded = true;
+    other.compressedSize = 50;
+    other.compressedMD5 = QStringLiteral("900150983cd24fb0d6963f7d28e17f72");
+    other.filePurpose = QStringLiteral("InFile");
+    other.state = 2;
+    QCOMPARE(makeFileHash(other, 3), makeFileHash(file, 3));
+    QVERIFY(makeFileHash(file, 3) != makeFileHash(file, 4));
+}
+
+void TestFileHash::summaryOfTag()
+{
+    FileTag file;
+    file.id = 5;
+    file.filename = QStringLiteral("a\\]%1");
+    file.filesize = 100;
+    file.cfilesize = 50;
+    file.md5file = QStringLiteral("d41d8cd98f00b204e9800998ecf8427e");
+    file.md5cfile = QStringLiteral("900150983cd24fb0d6963f7d28e17f72");
+    QCOMPARE(makeFileHash(tresk::makeFileSummaryFromFileTag(file), 12), makeFileHash(file, 12));
+}
+
+void TestFileHash::defaultSummary()
+{
+    QCOMPARE(makeFileHash(FileSummary(), 0), QStringLiteral("file: <0>-<>-<>-<-1>"));
+}
+
 void TestFileHash::namesAreNotEscaped()
 {
     FileTag one;
@@ -77,6 +122,12 @@ void TestFileHash::namesAreNotEscaped()
     other.filename = QStringLiteral("a");
     other.md5file = QStringLiteral("b>-<c");
     QCOMPARE(makeFileHash(one, 0), makeFileHash(other, 0));
+
+    FileSummary summary;
+    summary.filename = QStringLiteral("a");
+    summary.uncompressedMD5 = QStringLiteral("b>-<c");
+    summary.uncompressedSize = 0;
+    QCOMPARE(makeFileHash(one, 0), makeFileHash(summary, 0));
 }
 
 QTEST_GUILESS_MAIN(TestFileHash)

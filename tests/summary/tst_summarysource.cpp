@@ -1,0 +1,262 @@
+#include "DebugLines.h"
+#include "OpenedDocument.h"
+#include "SummaryText.h"
+#include "SummaryXml.h"
+
+#include <QTest>
+
+using tresk::Summary;
+using tresk::TreskParser;
+using tresktest::DocumentWriter;
+using tresktest::element;
+using tresktest::FileElement;
+using tresktest::FileSpec;
+using tresktest::MessageCapture;
+using tresktest::newDocument;
+using tresktest::OpenedDocument;
+using tresktest::SectionSpec;
+using tresktest::stepWith;
+using tresktest::summaryFile;
+using tresktest::summaryXml;
+using tresktest::textOf;
+
+namespace {
+
+QString latin1(const char* text)
+{
+    return QString::fromLatin1(text);
+}
+
+FileSpec file(const char* name, const QByteArray& content = "content")
+{
+    return FileSpec::plain(latin1(name), content);
+}
+
+FileSpec titledSummary(const QByteArray& title)
+{
+    return summaryFile(summaryXml(element("Title", title)));
+}
+
+QStringList titles(const QList<Summary>& summaries)
+{
+    QStringList result;
+    for (const Summary& summary : summaries)
+        result += summary.title;
+    return result;
+}
+
+/// The summary of one step with @p files.
+Summary summaryOf(const QVector<FileSpec>& files)
+{
+    DocumentWriter document = newDocument();
+    document.writeSection(stepWith(files));
+    const QList<Summary> summaries = OpenedDocument(document).summaries();
+    return summaries.size() == 1 ? summaries.at(0) : Summary();
+}
+
+/// What section @p id of the document gives without a summary document.
+Summary fromMarkers(const TreskParser& parser, int id)
+{
+    return tresk::makeSummaryFromTags(*parser.getSection(id), parser.getFilesInSection(id));
+}
+
+} // namespace
+
+/// Which file is the summary of its step, and what is made of its bytes.
+class TestSummarySource : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void nameOfTheSummary_data();
+    void nameOfTheSummary();
+    void summaryBeforeOtherFiles();
+    void severalSummaries();
+    void summaryBehindTheMarker();
+    void storedSummary_data();
+    void storedSummary();
+    void unreadableSummary_data();
+    void unreadableSummary();
+    void unusableSummary_data();
+    void unusableSummary();
+    void encodings_data();
+    void encodings();
+};
+
+void TestSummarySource::nameOfTheSummary_data()
+{
+    QTest::addColumn<QString>("name");
+    QTest::addColumn<bool>("isSummary");
+    const auto add = [](const char* name, bool isSummary) {
+        QTest::newRow(name) << latin1(name) << isSummary;
+    };
+    add("ws_summary.xml", true);
+    add("ws_summary.XML", false);
+    add("ws_summary.xml ", false);
+    add("./ws_summary.xml", false);
+    add("ws_summary.xm", false);
+    add("ws_summary.xmls", false);
+    add("", false);
+}
+
+void TestSummarySource::nameOfTheSummary()
+{
+    QFETCH(QString, name);
+    QFETCH(bool, isSummary);
+    FileSpec summary = titledSummary("summary");
+    summary.filename = name;
+    QCOMPARE(summaryOf({file("a"), summary}).fromXml, isSummary);
+}
+
+void TestSummarySource::summaryBeforeOtherFiles()
+{
+    const Summary summary = summaryOf({titledSummary("summary"), file("a")});
+    QCOMPARE(summary.title, latin1("marker"));
+    QVERIFY(!summary.fromXml);
+    QCOMPARE(summary.files.size(), 2);
+    QCOMPARE(summary.files.at(0).filename, latin1("ws_summary.xml"));
+}
+
+void TestSummarySource::severalSummaries()
+{
+    // The last one is the summary; the other is a file that it may name.
+    const FileSpec first = titledSummary("first");
+    const Summary summary = summaryOf(
+        {file("a"), first,
+         summaryFile(summaryXml(element("Title", "second") + FileElement(first).xml()))});
+    QCOMPARE(summary.title, latin1("second"));
+    QCOMPARE(summary.files.size(), 1);
+    QCOMPARE(summary.files.at(0).tagId, 1);
+}
+
+void TestSummarySource::summaryBehindTheMarker()
+{
+    SectionSpec section = stepWith({titledSummary("before"), file("a")});
+    section.filesBehind = {titledSummary("behind")};
+    DocumentWriter document = newDocument();
+    document.writeSection(section);
+    QCOMPARE(titles(OpenedDocument(document).summaries()), QStringList{latin1("behind")});
+}
+
+void TestSummarySource::storedSummary_data()
+{
+    QTest::addColumn<QByteArray>("compression");
+    QTest::newRow("plain") << QByteArray("none");
+    QTest::newRow("compressed") << QByteArray("flate");
+}
+
+void TestSummarySource::storedSummary()
+{
+    QFETCH(QByteArray, compression);
+    FileSpec summary = titledSummary("summary");
+    summary.compression = compression;
+    const Summary result = summaryOf({file("a"), summary});
+    QCOMPARE(result.title, latin1("summary"));
+    QVERIFY(result.fromXml);
+    QVERIFY(result.files.isEmpty());
+}
+
+void TestSummarySource::unreadableSummary_data()
+{
+    QTest::addColumn<QByteArray>("compression");
+    QTest::addColumn<QByteArray>("stored");
+    QTest::addColumn<QByteArray>("filesize");
+    const QByteArray xml = titledSummary("summary").content;
+    const QByteArray size = QByteArray::number(xml.size());
+    const QByteArray stream = tresktest::deflated(xml);
+    QTest::newRow("unknown compression") << QByteArray("lzma") << xml << size;
+    QTest::newRow("no compression given") << QByteArray() << xml << size;
+    QTest::newRow("not compressed") << QByteArray("flate") << xml << size;
+    QTest::newRow("cut off") << QByteArray("flate") << stream.left(20) << size;
+    QTest::newRow("other size") << QByteArray("flate") << stream << QByteArray("5");
+    QTest::newRow("no size") << QByteArray("flate") << stream << QByteArray();
+}
+
+void TestSummarySource::unreadableSummary()
+{
+    QFETCH(QByteArray, compression);
+    QFETCH(QByteArray, stored);
+    QFETCH(QByteArray, filesize);
+    FileSpec summary = titledSummary("summary");
+    summary.compression = compression;
+    summary.stored = stored;
+    summary.with("filesize", filesize);
+    DocumentWriter document = newDocument();
+    document.writeSection(stepWith({titledSummary("readable")}));
+    document.writeSection(stepWith({file("a"), file("b"), summary}));
+
+    const MessageCapture capture;
+    OpenedDocument opened(document);
+    const QList<Summary> summaries = opened.summaries();
+    QCOMPARE(summaries.size(), 2);
+    QCOMPARE(summaries.at(0).title, latin1("readable"));
+    QCOMPARE(textOf(summaries.at(1)), textOf(fromMarkers(opened.parser, 0)));
+    QCOMPARE(summaries.at(1).files.size(), 3);
+    QCOMPARE(tresktest::debugLines(capture).filter(latin1("summary")),
+             QStringList{latin1("could not read summary 3")});
+    QCOMPARE(capture.count(QtDebugMsg, "tresk"), 1);
+}
+
+void TestSummarySource::unusableSummary_data()
+{
+    QTest::addColumn<QByteArray>("xml");
+    QTest::addColumn<bool>("fromXml");
+    QTest::newRow("empty") << QByteArray() << false;
+    QTest::newRow("no summary") << QByteArray("<a>x</a>") << false;
+    QTest::newRow("not closed") << QByteArray("<trxchange><Workflowstep/>") << false;
+    QTest::newRow("no step") << QByteArray("<trxchange/>") << true;
+    QTest::newRow("empty step") << QByteArray("<trxchange><Workflowstep/></trxchange>") << true;
+}
+
+void TestSummarySource::unusableSummary()
+{
+    // It counts as read all the same: the markers are not the source.
+    QFETCH(QByteArray, xml);
+    QFETCH(bool, fromXml);
+    DocumentWriter document = newDocument();
+    document.writeSection(stepWith({file("a"), summaryFile(xml)}));
+    document.writeSection(stepWith({}));
+    const MessageCapture capture;
+    Summary expected;
+    expected.tagId = 1;
+    expected.fromXml = fromXml;
+    QCOMPARE(textOf(OpenedDocument(document).summaries().at(0)), textOf(expected));
+    QCOMPARE(tresktest::debugLines(capture), QStringList());
+}
+
+void TestSummarySource::encodings_data()
+{
+    QTest::addColumn<QByteArray>("before");
+    QTest::addColumn<QByteArray>("title");
+    QTest::addColumn<QString>("expected");
+    const QByteArray none;
+    QTest::newRow("ASCII") << none << QByteArray("a") << latin1("a");
+    QTest::newRow("UTF-8") << none << QByteArray("\xc3\xa4\xe2\x82\xac\xf0\x9f\x98\x80")
+                           << QStringLiteral("\u00e4\u20ac\U0001f600");
+    QTest::newRow("mark at the start")
+        << QByteArray("\xef\xbb\xbf") << QByteArray("a") << latin1("a");
+    QTest::newRow("not UTF-8") << none
+                               << QByteArray("a\xff"
+                                             "b")
+                               << QStringLiteral("a\ufffdb");
+    QTest::newRow("not UTF-8 before") << QByteArray("\xe4\xff") << QByteArray("a") << latin1("a");
+    QTest::newRow("another encoding is named")
+        << QByteArray("<?xml version='1.0' encoding='ISO-8859-1'?>") << QByteArray("\xc3\xa4")
+        << QStringLiteral("\u00e4");
+    QTest::newRow("NUL") << none << QByteArray("a\0b", 3)
+                         << latin1("a") + QChar(0) + QLatin1Char('b');
+    QTest::newRow("NUL before") << QByteArray("\0", 1) << QByteArray("a") << latin1("a");
+}
+
+void TestSummarySource::encodings()
+{
+    QFETCH(QByteArray, before);
+    QFETCH(QByteArray, title);
+    QFETCH(QString, expected);
+    const QByteArray xml = before + summaryXml(element("Title", title));
+    QCOMPARE(summaryOf({summaryFile(xml)}).title, expected);
+    QCOMPARE(summaryOf({FileSpec::flate(latin1("ws_summary.xml"), xml)}).title, expected);
+}
+
+QTEST_GUILESS_MAIN(TestSummarySource)
+
+#include "tst_summarysource.moc"
