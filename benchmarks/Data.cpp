@@ -49,6 +49,59 @@ void save(const QString& path, const QByteArray& bytes)
         qFatal("cannot write benchmark data; is there room in TMPDIR?");
 }
 
+/// An element of a summary document around @p content.
+QString element(const QString& name, const QString& content)
+{
+    return QStringLiteral("<%1>%2</%1>\n").arg(name, content);
+}
+
+/// The entry of a summary document for an embedded file that is stored plain.
+QString fileElement(const QString& purpose, const QString& name, const QByteArray& content)
+{
+    const QString size = QString::number(content.size());
+    QString fields;
+    fields += element(QStringLiteral("Filename"), name);
+    fields += element(QStringLiteral("Filepath"), QStringLiteral("/data/projects/bridge/run_17"));
+    fields += element(QStringLiteral("Filetype"), QStringLiteral("data"));
+    fields += element(QStringLiteral("Description"), QStringLiteral("Vibration of the bearing"));
+    fields += element(QStringLiteral("Comment"), QString());
+    fields += element(QStringLiteral("LastModified"), QStringLiteral("2019-03-12 14:33:05"));
+    fields += element(QStringLiteral("GenerateMD5"), QStringLiteral("1"));
+    fields += element(QStringLiteral("Embedded"), QStringLiteral("1"));
+    fields += element(QStringLiteral("UncompressedSize"), size);
+    fields += element(QStringLiteral("UncompressedMD5"),
+                      QString::fromLatin1(tresktest::md5Hex(content)));
+    fields += element(QStringLiteral("CompressedMethod"), QStringLiteral("none"));
+    fields += element(QStringLiteral("CompressedSize"), size);
+    fields += element(QStringLiteral("CompressedMD5"), QString());
+    fields += element(QStringLiteral("Preview"), QStringLiteral("0"));
+    fields += element(QStringLiteral("Thumbnail"), QStringLiteral("0"));
+    return element(purpose, fields);
+}
+
+/// A summary document around @p files, the entries of its files.
+QString summaryAround(const QString& files)
+{
+    QString fields;
+    fields += element(QStringLiteral("Timestamp"), QStringLiteral("2019-03-12 14:33:07"));
+    fields += element(QStringLiteral("Title"), QStringLiteral("Spectrum of the front bearing"));
+    fields += element(QStringLiteral("Description"), QStringLiteral("Whole run, window of 4096"));
+    fields += element(QStringLiteral("Command"),
+                      QStringLiteral("spectrum --window 4096 --out run_17.csv run_17.raw"));
+    fields += element(QStringLiteral("Tool"), QStringLiteral("spectrum"));
+    fields += element(QStringLiteral("ToolPath"), QStringLiteral("/opt/tools/bin"));
+    fields += element(QStringLiteral("Host"), QStringLiteral("lab-04"));
+    fields += element(QStringLiteral("User"), QStringLiteral("meier"));
+    fields += files;
+    const QString attribute = element(QStringLiteral("Key"), QStringLiteral("window"))
+        + element(QStringLiteral("Value"), QStringLiteral("4096"))
+        + element(QStringLiteral("Unit"), QStringLiteral("samples"));
+    fields += element(QStringLiteral("UserAttributes"),
+                      element(QStringLiteral("Attribute"), attribute));
+    return QStringLiteral("<?xml version=\"1.0\"?>\n")
+        + element(QStringLiteral("trxchange"), element(QStringLiteral("Workflowstep"), fields));
+}
+
 /// @p bytes again and again, @p size bytes in all.
 QByteArray repeated(const QByteArray& bytes, int size)
 {
@@ -153,6 +206,37 @@ QString writeLongHistory(const QString& name, int sections, int filesEach)
         step.title = QStringLiteral("step %1").arg(i);
         for (int k = 0; k < filesEach; ++k)
             step.files.append(FileSpec::plain(QStringLiteral("%1.txt").arg(k), "content"));
+        document.writeSection(step);
+    }
+    save(dataPath(name), document.bytes());
+    return dataPath(name);
+}
+
+QString summaryDocument(int files)
+{
+    QString entries;
+    for (int i = 0; i < files; ++i)
+        entries += fileElement(QStringLiteral("InFile"), QStringLiteral("run_%1.csv").arg(i),
+                               QByteArray::number(i));
+    return summaryAround(entries);
+}
+
+QString writeSummaryHistory(const QString& name, int steps)
+{
+    DocumentWriter document;
+    document.write("%PDF-1.4\n");
+    document.writeHeader();
+    for (int i = 0; i < steps; ++i) {
+        const QByteArray in = "input " + QByteArray::number(i);
+        const QByteArray out = "output " + QByteArray::number(i);
+        const QString summary = summaryAround(
+            fileElement(QStringLiteral("InFile"), QStringLiteral("in.txt"), in)
+            + fileElement(QStringLiteral("OutFile"), QStringLiteral("out.txt"), out));
+        SectionSpec step;
+        step.title = QStringLiteral("step %1").arg(i);
+        step.files = {FileSpec::plain(QStringLiteral("in.txt"), in),
+                      FileSpec::plain(QStringLiteral("out.txt"), out),
+                      FileSpec::flate(QStringLiteral("ws_summary.xml"), summary.toUtf8())};
         document.writeSection(step);
     }
     save(dataPath(name), document.bytes());

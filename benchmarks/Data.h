@@ -28,6 +28,11 @@ QString writeLargeFileDocument(const QString& name, int mebibytes, bool compress
 /// Writes a document of @p sections sections with @p filesEach small files each.
 QString writeLongHistory(const QString& name, int sections, int filesEach);
 
+/// The summary document of a step with @p files files: about 750 characters each, and 800 besides.
+QString summaryDocument(int files);
+/// Writes a document of @p steps sections, each with two files and a summary that names them.
+QString writeSummaryHistory(const QString& name, int steps);
+
 } // namespace treskbench
 
 #endif

@@ -27,7 +27,7 @@ void openWithout(benchmark::State& state)
 {
     const std::string path =
         writeHostDocument(QStringLiteral("empty.pdf"), largestMebibytes(), false).toStdString();
-    runPairs(state, wholeProcess({TRESK_DRIVER, path}), wholeProcess(grep(path)));
+    runPairs(state, wholeProcess({TRESK_DRIVER, "checksums", path}), wholeProcess(grep(path)));
     QFile::remove(QString::fromStdString(path));
 }
 BENCHMARK(openWithout)->Name("the same without any section / grep")->UseManualTime()->Iterations(7);
@@ -37,10 +37,21 @@ void checksums(benchmark::State& state)
     const int size = std::max(largestMebibytes() / 2, 1);
     const std::string path =
         writeLargeFileDocument(QStringLiteral("stored.pdf"), size, false).toStdString();
-    runPairs(state, wholeProcess({TRESK_DRIVER, path}), wholeProcess({"md5sum", path}));
+    runPairs(state, wholeProcess({TRESK_DRIVER, "checksums", path}),
+             wholeProcess({"md5sum", path}));
     QFile::remove(QString::fromStdString(path));
 }
 BENCHMARK(checksums)->Name("checksums of a stored file / md5sum")->UseManualTime()->Iterations(7);
+
+void validation(benchmark::State& state)
+{
+    const int size = std::max(largestMebibytes() / 2, 1);
+    const std::string path =
+        writeLargeFileDocument(QStringLiteral("validated.pdf"), size, false).toStdString();
+    runPairs(state, wholeProcess({TRESK_DRIVER, "validate", path}), wholeProcess({"md5sum", path}));
+    QFile::remove(QString::fromStdString(path));
+}
+BENCHMARK(validation)->Name("validation of a stored file / md5sum")->UseManualTime()->Iterations(7);
 
 /// Fifty runs at a time: one is too short for the clock of the processes.
 Timed often(const Timed& once)
