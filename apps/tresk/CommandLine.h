@@ -12,8 +12,8 @@ namespace tresk::cli {
 struct Invocation;
 
 /// Exit codes, as `tresk --help` lists them. A signal that ends a command adds its number to
-/// exitSignal.
-enum ExitCode { exitDone = 0, exitTrouble = 2, exitSignal = 128 };
+/// exitSignal. Of several the largest counts.
+enum ExitCode { exitDone = 0, exitFailed = 1, exitTrouble = 2, exitSignal = 128 };
 
 /// For a command that takes as many arguments as there are.
 constexpr int anyNumber = -1;

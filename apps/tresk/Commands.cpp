@@ -56,8 +56,9 @@ QString nearestCommand(const QString& name)
 
 const std::vector<Command>& commands()
 {
-    static const std::vector<Command> all = {logCommand(), filesCommand(), catCommand(),
-                                             extractCommand(), helpCommand()};
+    static const std::vector<Command> all = {logCommand(), showCommand(),    filesCommand(),
+                                             catCommand(), extractCommand(), verifyCommand(),
+                                             helpCommand()};
     return all;
 }
 

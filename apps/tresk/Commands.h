@@ -15,6 +15,8 @@ Command extractCommand();
 Command filesCommand();
 Command helpCommand();
 Command logCommand();
+Command showCommand();
+Command verifyCommand();
 
 /// All commands in the order in which the help text lists them.
 const std::vector<Command>& commands();

@@ -1,6 +1,7 @@
 #include "ContentReader.h"
 
 #include "Document.h"
+#include "Range.h"
 #include "Text.h"
 
 #include <algorithm>
@@ -25,29 +26,30 @@ ContentReader::ContentReader(Document& document, const FileTag& file)
     , m_file(file)
     , m_compressed(file.compression == QLatin1String("flate"))
     , m_start(qint64(file.pos) + file.tagLength + file.offset)
-    , m_length(m_compressed ? file.cfilesize : file.filesize)
-    , m_error(problemWithMarker())
+    , m_length(storedLength(file))
+    , m_fault(faultOfMarker())
 {
 }
 
 QByteArray ContentReader::next()
 {
-    if (!m_error.isEmpty())
+    if (!m_fault.isNone())
         return {};
     return m_compressed ? nextInflated() : nextStored();
 }
 
-QString ContentReader::problemWithMarker() const
+Fault ContentReader::faultOfMarker() const
 {
-    if (!m_compressed && m_file.compression != QLatin1String("none"))
-        return QStringLiteral("its compression %1 is unknown").arg(shownQuoted(m_file.compression));
-    if (m_file.filesize < 0)
-        return QStringLiteral("its marker does not say how large it is");
-    if (m_length < 0 || m_file.offset < 0)
-        return QStringLiteral("its marker does not say where it is stored");
-    if (m_start + m_length > m_document.size())
-        return QStringLiteral("its stored bytes reach beyond the end of the document");
-    return {};
+    if (!m_compressed && m_file.compression != QLatin1String("none")) {
+        return {
+            ItemStatus::UnknownCompression,
+            QStringLiteral("its compression %1 is unknown").arg(shownQuoted(m_file.compression))};
+    }
+    if (m_file.filesize < 0) {
+        return {ItemStatus::OutsideDocument,
+                QStringLiteral("its marker does not say how large it is")};
+    }
+    return faultOfRange(m_document, m_file);
 }
 
 QByteArray ContentReader::nextStored()
@@ -58,7 +60,7 @@ QByteArray ContentReader::nextStored()
         return {};
     QByteArray piece = m_document.bytes(m_start + m_read, size);
     if (piece.size() != size)
-        return fail(QStringLiteral("its stored bytes cannot be read"));
+        return fail(ItemStatus::Unreadable, QStringLiteral("its stored bytes cannot be read"));
     m_read += size;
     if (!m_compressed)
         m_delivered += size;
@@ -69,31 +71,35 @@ QByteArray ContentReader::nextInflated()
 {
     while (!m_inflater.hasFinished()) {
         const QByteArray stored = nextStored();
-        if (!m_error.isEmpty())
+        if (!m_fault.isNone())
             return {};
         if (stored.isEmpty())
-            return fail(QStringLiteral("its compressed stream breaks off"));
+            return fail(ItemStatus::BrokenStream,
+                        QStringLiteral("its compressed stream breaks off"));
         QByteArray piece = m_inflater.inflateData(stored);
         if (!m_inflater.isValid())
-            return fail(QStringLiteral("its compressed stream is broken"));
+            return fail(ItemStatus::BrokenStream,
+                        QStringLiteral("its compressed stream is broken"));
         m_delivered += piece.size();
         if (m_delivered > m_file.filesize) {
-            return fail(QStringLiteral("its content is longer than the %1 that its marker says")
+            return fail(ItemStatus::Differs,
+                        QStringLiteral("its content is longer than the %1 that its marker says")
                             .arg(bytes(m_file.filesize)));
         }
         if (!piece.isEmpty())
             return piece;
     }
     if (m_delivered < m_file.filesize) {
-        return fail(QStringLiteral("its content has %1, but its marker says %2")
+        return fail(ItemStatus::Differs,
+                    QStringLiteral("its content has %1, but its marker says %2")
                         .arg(bytes(m_delivered), QString::number(m_file.filesize)));
     }
     return {};
 }
 
-QByteArray ContentReader::fail(const QString& error)
+QByteArray ContentReader::fail(ItemStatus status, const QString& text)
 {
-    m_error = error;
+    m_fault = {status, text};
     return {};
 }
 

@@ -1,6 +1,8 @@
 #ifndef TRESK_APPS_CONTENTREADER_H
 #define TRESK_APPS_CONTENTREADER_H
 
+#include "ItemStatus.h"
+
 #include <tresk/Inflater.h>
 #include <tresk/TreskParser.h>
 
@@ -27,7 +29,9 @@ public:
     QByteArray next();
 
     /// Why the content cannot be read, or not to its end; empty if it can.
-    const QString& error() const { return m_error; }
+    const QString& error() const { return m_fault.text; }
+    /// The same with what kind of fault it is.
+    const Fault& fault() const { return m_fault; }
 
     /// Number of stored bytes there are, and how many of them have been read.
     qint64 storedSize() const { return m_length; }
@@ -38,10 +42,10 @@ public:
 private:
     Q_DISABLE_COPY(ContentReader)
 
-    QString problemWithMarker() const;
+    Fault faultOfMarker() const;
     QByteArray nextStored();
     QByteArray nextInflated();
-    QByteArray fail(const QString& error);
+    QByteArray fail(ItemStatus status, const QString& text);
 
     Document& m_document;
     FileTag m_file;
@@ -51,7 +55,7 @@ private:
     qint64 m_read = 0;
     qint64 m_delivered = 0;
     Inflater m_inflater;
-    QString m_error;
+    Fault m_fault;
 };
 
 /// A remark on a marker whose numbers contradict each other without harm to the content;

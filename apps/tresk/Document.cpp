@@ -21,6 +21,11 @@ QString describe(const FileTag& file)
     return QStringLiteral("file %1 %2").arg(QString::number(file.id), shownQuoted(file.filename));
 }
 
+QString describe(const SectionTag& step)
+{
+    return QStringLiteral("step %1 %2").arg(QString::number(step.id), shownQuoted(step.title));
+}
+
 /// Where what the markers say of the file ends: its block, or its stored bytes.
 qint64 endOf(const FileTag& file)
 {
@@ -60,21 +65,30 @@ bool Document::open(const QString& path)
 {
     m_name = path;
     const QString problem = problemWithFile();
-    if (!problem.isEmpty()) {
-        report(problem);
-        return false;
-    }
+    if (!problem.isEmpty())
+        return refuse(problem);
     // The parser wants a path that Qt can encode; the open file has one.
     const QString parserPath = isUndecoded(path) ? QStringLiteral("/dev/fd/%1").arg(m_fd) : path;
     if (!m_parser.open(parserPath)) {
-        report(QStringLiteral("has no history: none of its first 10 lines is a history header"));
-        return false;
+        return refuseWithoutHistory(
+            QStringLiteral("has no history: none of its first 10 lines is a history header"));
     }
     if (m_parser.getNumSections() == 0 && m_parser.getNumFiles() == 0) {
-        report(QStringLiteral("has an empty history: neither steps nor embedded files"));
-        return false;
+        return refuseWithoutHistory(
+            QStringLiteral("has an empty history: neither steps nor embedded files"));
     }
     return true;
+}
+
+bool Document::openWithSteps(const QString& path)
+{
+    if (!open(path))
+        return false;
+    if (m_parser.getNumSections() > 0)
+        return true;
+    return refuseWithoutHistory(
+        QStringLiteral("has no history: no step is left in it, only %1")
+            .arg(counted(m_parser.getNumFiles(), QStringLiteral("embedded file"))));
 }
 
 QByteArray Document::bytes(qint64 pos, int length)
@@ -92,9 +106,24 @@ void Document::report(const FileTag& file, const QString& problem) const
     reportError(m_name, describe(file) + QStringLiteral(": ") + problem);
 }
 
+void Document::report(const SectionTag& step, const QString& problem) const
+{
+    reportError(m_name, describe(step) + QStringLiteral(": ") + problem);
+}
+
+void Document::warn(const QString& remark) const
+{
+    reportWarning(m_name, remark);
+}
+
 void Document::warn(const FileTag& file, const QString& remark) const
 {
     reportWarning(m_name, describe(file) + QStringLiteral(": ") + remark);
+}
+
+void Document::warn(const SectionTag& step, const QString& remark) const
+{
+    reportWarning(m_name, describe(step) + QStringLiteral(": ") + remark);
 }
 
 bool Document::checkExtent() const
@@ -111,6 +140,38 @@ bool Document::checkExtent() const
     report(QStringLiteral("is cut off or damaged: %1 would reach beyond its end")
                .arg(what.join(QStringLiteral(" and "))));
     return false;
+}
+
+bool Document::checkChain() const
+{
+    const int steps = m_parser.getNumSections();
+    if (steps == 0 || m_parser.getSection(steps - 1)->previousmarker < 0)
+        return true;
+    report(QStringLiteral("the history is incomplete: the step before step %1 is not where its "
+                          "marker says")
+               .arg(steps - 1));
+    return false;
+}
+
+bool Document::checkLength()
+{
+    struct stat status = {};
+    if (fstat(m_fd, &status) == 0 && status.st_size >= m_size)
+        return true;
+    return refuse(QStringLiteral("has become shorter while it was read"));
+}
+
+bool Document::refuse(const QString& problem)
+{
+    m_problem = problem;
+    report(problem);
+    return false;
+}
+
+bool Document::refuseWithoutHistory(const QString& problem)
+{
+    m_lacksHistory = true;
+    return refuse(problem);
 }
 
 /// Opens the file and says why it cannot be a document; nothing if it can.

@@ -16,11 +16,19 @@ public:
     /// Opens the document at @p path. Reports what is wrong and returns false if there is no
     /// history in it.
     bool open(const QString& path);
+    /// The same for commands that are about steps: embedded files alone are no history then.
+    bool openWithSteps(const QString& path);
+
+    /// What was reported when the document could not be opened, or not be read to its end.
+    const QString& problem() const { return m_problem; }
+    /// Whether the reason was that the file, a sound one, has no history in it.
+    bool lacksHistory() const { return m_lacksHistory; }
 
     /// The path as the user gave it.
     const QString& name() const { return m_name; }
     qint64 size() const { return m_size; }
     const TreskParser& parser() const { return m_parser; }
+    TreskParser& parser() { return m_parser; }
     /// @p length bytes from offset @p pos, a range inside the document; fewer if they cannot
     /// be read.
     QByteArray bytes(qint64 pos, int length);
@@ -29,21 +37,33 @@ public:
     void report(const QString& problem) const;
     /// Reports an error about an embedded file of this document.
     void report(const FileTag& file, const QString& problem) const;
-    /// Reports what is remarkable about an embedded file of this document, but no error.
+    /// Reports an error about a step of this document.
+    void report(const SectionTag& step, const QString& problem) const;
+    /// Reports what is remarkable about the document, an embedded file or a step, but no error.
+    void warn(const QString& remark) const;
     void warn(const FileTag& file, const QString& remark) const;
+    void warn(const SectionTag& step, const QString& remark) const;
 
     /// Reports a document that has lost its end: steps or embedded files that reach beyond
     /// it. True if everything is within.
     bool checkExtent() const;
+    /// Reports a history that does not lead back to its first step.
+    bool checkChain() const;
+    /// Reports a document that has become shorter since it was opened.
+    bool checkLength();
 
 private:
     Q_DISABLE_COPY(Document)
 
     QString problemWithFile();
+    bool refuse(const QString& problem);
+    bool refuseWithoutHistory(const QString& problem);
 
     QString m_name;
     int m_fd = -1;
     qint64 m_size = 0;
+    QString m_problem;
+    bool m_lacksHistory = false;
     TreskParser m_parser;
 };
 

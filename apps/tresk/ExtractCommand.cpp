@@ -1,4 +1,5 @@
 #include "Commands.h"
+#include "ContentCopy.h"
 #include "ContentReader.h"
 #include "Document.h"
 #include "FileSelection.h"
@@ -7,6 +8,7 @@
 #include "Json.h"
 #include "Messages.h"
 #include "Progress.h"
+#include "Range.h"
 #include "TargetDirectory.h"
 #include "TargetNames.h"
 #include "Text.h"
@@ -17,17 +19,15 @@ namespace tresk::cli {
 
 namespace {
 
-qint64 storedSize(const FileTag& file)
-{
-    const bool plain = file.compression == QLatin1String("none");
-    return std::max(0, plain ? file.filesize : file.cfilesize);
-}
-
-qint64 storedSize(const QList<FileTag>& files)
+/// Number of bytes that are moved to write @p files, and to read them back.
+qint64 workFor(const QList<FileTag>& files, bool withVerification)
 {
     qint64 sum = 0;
-    for (const FileTag& file : files)
-        sum += storedSize(file);
+    for (const FileTag& file : files) {
+        sum += std::max(0, storedLength(file));
+        if (withVerification)
+            sum += std::max(0, file.filesize);
+    }
     return sum;
 }
 
@@ -41,11 +41,14 @@ public:
     int run();
 
 private:
-    QString extract(const FileTag& file);
-    QString writeContent(const FileTag& file, ContentReader& content, TargetFile& target);
-    QString writeError(const FileTag& file, const QString& reason) const;
-    void tell(const FileTag& file, const QString& error);
-    QJsonObject resultJson(const FileTag& file, const QString& error) const;
+    using Failure = ContentCopy::Failure;
+
+    Failure extract(const FileTag& file);
+    bool mayBeCopied(const FileTag& file, Failure& failure);
+    Failure targetFailure(const FileTag& file, const QString& reason) const;
+    void showProgress(qint64 done);
+    void tell(const FileTag& file, const Failure& failure);
+    QJsonObject resultJson(const FileTag& file, const Failure& failure) const;
     QString resultLine(const FileTag& file) const;
 
     Output& m_output;
@@ -54,12 +57,15 @@ private:
     const TargetDirectory& m_directory;
     const QList<FileTag> m_files;
     TargetNames m_names;
-    Progress m_progress;
     bool m_force;
     bool m_json;
     bool m_quiet;
-    qint64 m_storedDone = 0;
-    bool m_failed = false;
+    bool m_verify;
+    ContentCopy m_copy;
+    Progress m_progress;
+    qint64 m_done = 0; ///< bytes worked off before those of the current phase
+    QString m_currentName; ///< of the file that is being written
+    int m_exitCode = exitDone;
     QJsonArray m_results;
 };
 
@@ -71,22 +77,29 @@ Extraction::Extraction(Invocation& invocation, Document& document, const TargetD
     , m_directory(directory)
     , m_files(files)
     , m_names(document.parser().getFiles())
-    , m_progress(storedSize(files))
     , m_force(invocation.isSet("force"))
     , m_json(invocation.isSet("json"))
     , m_quiet(invocation.isSet("quiet"))
+    , m_verify(invocation.isSet("verify"))
+    , m_copy(document, [this](qint64 done) { showProgress(done); })
+    , m_progress(workFor(files, m_verify))
 {
 }
 
 int Extraction::run()
 {
     for (const FileTag& file : m_files) {
-        const QString error = extract(file);
-        // A file that was complete before the signal came is still told about.
-        if (interruptedBy() != 0 && !error.isEmpty())
+        if (interruptedBy() != 0)
             break;
-        tell(file, error);
-        m_storedDone += storedSize(file);
+        m_currentName = m_names.of(file);
+        showProgress(0);
+        const qint64 doneAfter = m_done + workFor({file}, m_verify);
+        const Failure failure = extract(file);
+        // A file that was complete before the signal came is still told about.
+        if (interruptedBy() != 0 && failure.reason != Failure::None)
+            break;
+        tell(file, failure);
+        m_done = doneAfter;
     }
     m_progress.clear();
     if (m_json) {
@@ -100,62 +113,72 @@ int Extraction::run()
         m_document.report(QStringLiteral("interrupted"));
         return exitSignal + interruptedBy();
     }
-    return m_failed ? exitTrouble : exitDone;
+    return m_exitCode;
 }
 
-/// Returns what went wrong; nothing if the file is in its place.
-QString Extraction::extract(const FileTag& file)
+ContentCopy::Failure Extraction::extract(const FileTag& file)
 {
-    m_progress.show(m_storedDone, m_names.of(file));
-    ContentReader content(m_document, file);
-    if (!content.error().isEmpty())
-        return content.error();
+    Failure failure;
+    if (!mayBeCopied(file, failure))
+        return failure;
+    TargetFile target(m_directory);
+    QString error = target.create();
+    if (!error.isEmpty())
+        return targetFailure(file, error);
+    failure = m_copy.copy(file, target);
+    if (failure.reason == Failure::Target)
+        return targetFailure(file, failure.text);
+    if (failure.reason == Failure::None && m_verify) {
+        m_done += workFor({file}, false);
+        failure = m_copy.verify(file, target);
+    }
+    if (failure.reason != Failure::None)
+        return failure;
+    error = target.complete(m_names.of(file), m_force);
+    return error.isEmpty() ? Failure() : targetFailure(file, error);
+}
+
+/// Whether the marker of @p file is without fault and its name can be taken; says why not in
+/// @p failure.
+bool Extraction::mayBeCopied(const FileTag& file, Failure& failure)
+{
+    const ContentReader content(m_document, file);
+    if (!content.fault().isNone()) {
+        failure = {Failure::Content, content.error()};
+        return false;
+    }
     const QString remark = remarkOn(file);
     if (!remark.isEmpty()) {
         m_progress.clear();
         m_document.warn(file, remark);
     }
-
-    QString error = m_directory.obstacle(m_names.of(file), m_force);
-    if (!error.isEmpty())
-        return writeError(file, error);
-    TargetFile target(m_directory);
-    error = target.create();
-    if (!error.isEmpty())
-        return writeError(file, error);
-    error = writeContent(file, content, target);
-    if (!error.isEmpty())
-        return error;
-    error = target.complete(m_names.of(file), m_force);
-    return error.isEmpty() ? QString() : writeError(file, error);
+    const QString obstacle = m_directory.obstacle(m_names.of(file), m_force);
+    if (!obstacle.isEmpty())
+        failure = targetFailure(file, obstacle);
+    return obstacle.isEmpty();
 }
 
-QString Extraction::writeContent(const FileTag& file, ContentReader& content, TargetFile& target)
+ContentCopy::Failure Extraction::targetFailure(const FileTag& file, const QString& reason) const
 {
-    for (QByteArray piece = content.next(); !piece.isEmpty(); piece = content.next()) {
-        const QString error = target.write(piece);
-        if (!error.isEmpty())
-            return writeError(file, error);
-        if (interruptedBy() != 0)
-            return QStringLiteral("interrupted");
-        m_progress.show(m_storedDone + content.storedRead(), m_names.of(file));
-    }
-    return content.error();
+    return {
+        Failure::Target,
+        QStringLiteral("cannot write %1: %2").arg(m_directory.pathOf(m_names.of(file)), reason)};
 }
 
-QString Extraction::writeError(const FileTag& file, const QString& reason) const
+void Extraction::showProgress(qint64 done)
 {
-    return QStringLiteral("cannot write %1: %2").arg(m_directory.pathOf(m_names.of(file)), reason);
+    m_progress.show(m_done + done, m_currentName);
 }
 
-void Extraction::tell(const FileTag& file, const QString& error)
+void Extraction::tell(const FileTag& file, const Failure& failure)
 {
     if (m_json)
-        m_results += resultJson(file, error);
-    if (!error.isEmpty()) {
-        m_failed = true;
+        m_results += resultJson(file, failure);
+    if (failure.reason != Failure::None) {
+        const int code = failure.reason == Failure::Checksum ? exitFailed : exitTrouble;
+        m_exitCode = std::max(m_exitCode, code);
         m_progress.clear();
-        m_document.report(file, error);
+        m_document.report(file, failure.text);
     } else if (!m_json && !m_quiet) {
         if (m_output.isTerminal())
             m_progress.clear();
@@ -171,10 +194,11 @@ void Extraction::tell(const FileTag& file, const QString& error)
 ///     path     where it was to be written
 ///     status   "written" or "failed"
 ///     size     bytes written, unless it failed
+///     verified true, if it was with --verify
 ///     error    what went wrong, if it failed
-QJsonObject Extraction::resultJson(const FileTag& file, const QString& error) const
+QJsonObject Extraction::resultJson(const FileTag& file, const Failure& failure) const
 {
-    const bool written = error.isEmpty();
+    const bool written = failure.reason == Failure::None;
     QJsonObject object = {
         {QStringLiteral("id"), file.id},
         {QStringLiteral("path"), m_directory.pathOf(m_names.of(file))},
@@ -183,7 +207,9 @@ QJsonObject Extraction::resultJson(const FileTag& file, const QString& error) co
     if (written)
         object.insert(QStringLiteral("size"), file.filesize);
     else
-        object.insert(QStringLiteral("error"), error);
+        object.insert(QStringLiteral("error"), failure.text);
+    if (written && m_verify)
+        object.insert(QStringLiteral("verified"), true);
     return object;
 }
 
@@ -239,9 +265,11 @@ Command extractCommand()
             "and nothing that exists is replaced without --force.\n"
             "\n"
             "A file whose content does not fit what the document says of it is not written;\n"
-            "the other ones are, and the exit code is 2. Checksums are not compared.\n",
+            "the other ones are, and the exit code is 2. Checksums are compared with --verify\n"
+            "only: what was written is read back, and a file that differs does not stay.\n",
             {{'C', "directory", "DIR", "where to write; has to be given"},
              {'f', "force", nullptr, "replace files that exist, and symbolic links themselves"},
+             {0, "verify", nullptr, "compare the checksums of what was written"},
              {0, "json", nullptr, "print one JSON object instead of a line per file"}},
             {"DOC"},
             anyNumber,

@@ -4,9 +4,10 @@
 
 namespace tresk::cli {
 
-QJsonObject fileJson(const FileTag& file)
+QJsonObject fileJson(const FileTag& file, const QString& purpose)
 {
     QJsonObject object = {{QStringLiteral("id"), file.id},
+                          {QStringLiteral("purpose"), purpose},
                           {QStringLiteral("size"), jsonNumber(file.filesize)},
                           {QStringLiteral("storedSize"), jsonNumber(file.cfilesize)},
                           {QStringLiteral("md5"), file.md5file},

@@ -4,6 +4,7 @@
 #include <tresk/TreskParser.h>
 
 #include <QJsonObject>
+#include <QString>
 
 namespace tresk::cli {
 
@@ -16,7 +17,9 @@ namespace tresk::cli {
 ///     md5          MD5 digest of the content, empty if the marker has none
 ///     storedMd5    MD5 digest of the stored bytes, likewise
 ///     position     offset of the marker in the document
-QJsonObject fileJson(const FileTag& file);
+///
+/// and @p purpose, what it is in the step that embedded it.
+QJsonObject fileJson(const FileTag& file, const QString& purpose);
 
 } // namespace tresk::cli
 

@@ -4,6 +4,7 @@
 #include "Invocation.h"
 #include "Json.h"
 #include "StepFiles.h"
+#include "Summaries.h"
 #include "Table.h"
 #include "Text.h"
 
@@ -11,14 +12,14 @@ namespace tresk::cli {
 
 namespace {
 
-void printTable(Invocation& invocation, const StepFiles& stepFiles, const QVector<IdRuns>& steps)
+void printTable(Invocation& invocation, const StepFiles& stepFiles, const QVector<IdRuns>& steps,
+                const QStringList& purposes)
 {
     const bool verbose = invocation.isSet("verbose");
-    QVector<Table::Column> columns = {{QStringLiteral("ID"), Table::Right},
-                                      {QStringLiteral("STEP"), Table::Left},
-                                      {QStringLiteral("SIZE"), Table::Right},
-                                      {QStringLiteral("STORED"), Table::Right},
-                                      {QStringLiteral("COMPRESSION"), Table::Left}};
+    QVector<Table::Column> columns = {
+        {QStringLiteral("ID"), Table::Right},         {QStringLiteral("STEP"), Table::Left},
+        {QStringLiteral("SIZE"), Table::Right},       {QStringLiteral("STORED"), Table::Right},
+        {QStringLiteral("COMPRESSION"), Table::Left}, {QStringLiteral("PURPOSE"), Table::Left}};
     if (verbose)
         columns += {QStringLiteral("TYPE"), Table::Left};
     columns += {QStringLiteral("NAME"), Table::Left};
@@ -27,9 +28,9 @@ void printTable(Invocation& invocation, const StepFiles& stepFiles, const QVecto
 
     Table table(columns);
     for (const FileTag& file : stepFiles.files()) {
-        QStringList row = {QString::number(file.id), steps[file.id].text(),
+        QStringList row = {QString::number(file.id),    steps[file.id].text(),
                            numberOrDash(file.filesize), numberOrDash(file.cfilesize),
-                           shown(file.compression)};
+                           shown(file.compression),     purposeText(purposes[file.id])};
         if (verbose)
             row += shown(file.filetype);
         row += shown(file.filename);
@@ -41,14 +42,14 @@ void printTable(Invocation& invocation, const StepFiles& stepFiles, const QVecto
 }
 
 void printJson(Output& output, const Document& document, const StepFiles& stepFiles,
-               const QVector<IdRuns>& steps)
+               const QVector<IdRuns>& steps, const QStringList& purposes)
 {
     QJsonArray files;
     for (const FileTag& file : stepFiles.files()) {
         QJsonArray ids;
         for (const int id : steps[file.id].ids())
             ids += id;
-        QJsonObject entry = fileJson(file);
+        QJsonObject entry = fileJson(file, purposes[file.id]);
         entry.insert(QStringLiteral("steps"), ids);
         files += entry;
     }
@@ -63,12 +64,14 @@ int runFiles(Invocation& invocation)
         return exitTrouble;
     const StepFiles stepFiles(document.parser());
     const QVector<IdRuns> steps = stepsOfFiles(stepFiles);
+    const Summaries summaries(document, stepFiles);
+    const QStringList purposes = summaries.purposes();
     if (invocation.isSet("json"))
-        printJson(invocation.output, document, stepFiles, steps);
+        printJson(invocation.output, document, stepFiles, steps, purposes);
     else if (!stepFiles.files().isEmpty())
-        printTable(invocation, stepFiles, steps);
+        printTable(invocation, stepFiles, steps, purposes);
     invocation.output.flush();
-    return document.checkExtent() ? exitDone : exitTrouble;
+    return checkRead(document, summaries);
 }
 
 } // namespace
@@ -80,7 +83,9 @@ Command filesCommand()
             "DOC",
             "Lists the files embedded in a document in their order there: id, ids of the\n"
             "steps that hold it ('-' if none does), size of the content, number of bytes\n"
-            "stored, compression and name. With --verbose also the type and the description.\n",
+            "stored, compression, purpose and name. The purpose is what the summary of the\n"
+            "step that embedded the file says: in, out, or '-' for neither. With --verbose\n"
+            "there are also the type and the description.\n",
             {{0, "json", nullptr, "print one JSON object instead"}},
             {"DOC"},
             1,

@@ -31,6 +31,19 @@ QString jsonEscape(char32_t c)
     return result;
 }
 
+void write(Output& output, const QByteArray& json)
+{
+    // Some lines at a time, since a text takes a multiple of the memory of its UTF-8.
+    const int piece = 64 * 1024;
+    for (decltype(json.size()) start = 0, end = 0; start < json.size(); start = end) {
+        end = json.indexOf('\n', start + piece) + 1;
+        if (end == 0)
+            end = json.size();
+        const QString text = QString::fromUtf8(json.constData() + start, int(end - start));
+        output.write(replaceCharacters(text, needsEscape, jsonEscape));
+    }
+}
+
 } // namespace
 
 void insertText(QJsonObject& object, const QString& name, const QString& stored)
@@ -46,10 +59,19 @@ QJsonValue jsonNumber(int number)
     return number < 0 ? QJsonValue(QJsonValue::Null) : QJsonValue(number);
 }
 
+QJsonValue jsonText(const QString& text)
+{
+    return text.isNull() ? QJsonValue(QJsonValue::Null) : QJsonValue(text);
+}
+
 void writeJson(Output& output, const QJsonObject& object)
 {
-    const QString json = QString::fromUtf8(QJsonDocument(object).toJson());
-    output.write(replaceCharacters(json, needsEscape, jsonEscape));
+    write(output, QJsonDocument(object).toJson());
+}
+
+void writeJsonLine(Output& output, const QJsonObject& object)
+{
+    write(output, QJsonDocument(object).toJson(QJsonDocument::Compact) + '\n');
 }
 
 } // namespace tresk::cli

@@ -22,9 +22,14 @@ void insertText(QJsonObject& object, const QString& name, const QString& stored)
 /// A number of a marker; null for one below 0.
 QJsonValue jsonNumber(int number);
 
+/// A text that need not be there; null for a null one.
+QJsonValue jsonText(const QString& text);
+
 /// Writes @p object in several lines, as UTF-8. Characters that a terminal might act on are
 /// escaped.
 void writeJson(Output& output, const QJsonObject& object);
+/// Writes @p object likewise, but on one line.
+void writeJsonLine(Output& output, const QJsonObject& object);
 
 } // namespace tresk::cli
 

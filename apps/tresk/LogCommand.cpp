@@ -1,13 +1,17 @@
 #include "Commands.h"
 #include "Document.h"
+#include "Fields.h"
 #include "FileJson.h"
 #include "Invocation.h"
 #include "Json.h"
 #include "StepFiles.h"
+#include "StepJson.h"
+#include "StepText.h"
+#include "Summaries.h"
 #include "Table.h"
 #include "Text.h"
 
-#include <vector>
+#include <algorithm>
 
 namespace tresk::cli {
 
@@ -16,59 +20,32 @@ namespace {
 /// Prints the steps of a document for people.
 class StepPrinter {
 public:
-    StepPrinter(Invocation& invocation, const StepFiles& stepFiles);
+    StepPrinter(Invocation& invocation, const StepFiles& stepFiles, const Summaries& summaries);
 
     void print();
 
 private:
-    void printStep(const SectionTag& step, const QVector<int>& files);
+    void printStep(const SectionTag& step);
+    void printOnOneLine(const SectionTag& step, const Summary& summary);
+    QString countedFiles(const SectionTag& step, const Summary& summary) const;
     void printFilesWithoutStep();
-    void printFiles(const QVector<int>& files);
-    void printValue(const char* label, const QString& value);
-    void printLine(const QString& line);
+    void printFiles(const QList<FileSummary>& files);
 
     Output& m_output;
     const Style& m_style;
     const StepFiles& m_stepFiles;
+    const Summaries& m_summaries;
     bool m_oneLine;
     bool m_listFiles;
     bool m_verbose;
 };
 
-QString titleOf(const SectionTag& step)
-{
-    return step.title.isEmpty() ? QStringLiteral("<no title>") : shown(step.title);
-}
-
-QString orDash(const QString& text)
-{
-    return text.isEmpty() ? QStringLiteral("-") : text;
-}
-
-QString countedFiles(const QVector<int>& files)
-{
-    return counted(files.size(), QStringLiteral("file"));
-}
-
-QVector<int> filesWithoutStep(const StepFiles& stepFiles)
-{
-    std::vector<bool> hasStep(static_cast<size_t>(stepFiles.files().size()), false);
-    for (const SectionTag& step : stepFiles.steps()) {
-        for (const int id : stepFiles.filesIn(step))
-            hasStep[static_cast<size_t>(id)] = true;
-    }
-    QVector<int> ids;
-    for (const FileTag& file : stepFiles.files()) {
-        if (!hasStep[static_cast<size_t>(file.id)])
-            ids += file.id;
-    }
-    return ids;
-}
-
-StepPrinter::StepPrinter(Invocation& invocation, const StepFiles& stepFiles)
+StepPrinter::StepPrinter(Invocation& invocation, const StepFiles& stepFiles,
+                         const Summaries& summaries)
     : m_output(invocation.output)
     , m_style(invocation.style)
     , m_stepFiles(stepFiles)
+    , m_summaries(summaries)
     , m_oneLine(invocation.isSet("oneline"))
     , m_listFiles(invocation.isSet("files"))
     , m_verbose(invocation.isSet("verbose"))
@@ -79,152 +56,165 @@ void StepPrinter::print()
 {
     for (const SectionTag& step : m_stepFiles.steps()) {
         if (step.id > 0 && !m_oneLine)
-            printLine(QString());
-        printStep(step, m_stepFiles.filesIn(step));
+            m_output.write(QByteArray("\n"));
+        printStep(step);
         if (m_output.error() != 0)
             return;
     }
     printFilesWithoutStep();
 }
 
-void StepPrinter::printStep(const SectionTag& step, const QVector<int>& files)
+void StepPrinter::printStep(const SectionTag& step)
 {
-    const QString title = m_style.title(titleOf(step));
+    const Summary& summary = m_summaries.of(step);
     if (m_oneLine) {
-        const QString extent =
-            QStringLiteral("(%1, %2)").arg(countedFiles(files), humanSize(step.size));
-        printLine(m_style.id(QString::number(step.id)) + QStringLiteral("  ") + title
-                  + QStringLiteral("  ") + m_style.label(extent));
+        printOnOneLine(step, summary);
     } else {
-        printLine(m_style.id(QStringLiteral("step %1").arg(step.id)) + QStringLiteral("  ")
-                  + title);
-        printValue("creator", orDash(shown(step.creator)));
-        printValue("version", orDash(shown(step.version)));
-        printValue("index", numberOrDash(step.index));
-        if (m_verbose) {
-            printValue("marker", QStringLiteral("at byte %1").arg(step.pos - 1));
-            printValue("md5", orDash(step.md5section));
-        }
-        printValue("size", humanSize(step.size));
-        printValue("files", QString::number(files.size()));
+        m_output.write(stepHeading(step, summary, m_style));
+        const Fields fields(m_output, m_style, 2, 8);
+        fields.write("time", printable(summary.timestamp));
+        fields.write("tool", printable(summary.tool));
+        fields.write("user", userAndHost(summary));
+        fields.write("files", countedFiles(step, summary));
+        if (m_verbose)
+            writeMarkerFields(fields, step);
     }
     if (m_listFiles)
-        printFiles(files);
+        printFiles(m_summaries.filesOf(step));
+}
+
+void StepPrinter::printOnOneLine(const SectionTag& step, const Summary& summary)
+{
+    QStringList details = {printable(summary.tool), userAndHost(summary),
+                           countedFiles(step, summary)};
+    details.removeAll(QString());
+    const QString time = printable(summary.timestamp);
+    m_output.write(
+        m_style.id(QString::number(step.id)) + QStringLiteral("  ")
+        + (time.isEmpty() ? QStringLiteral("-") : time) + QStringLiteral("  ")
+        + m_style.title(titleOf(step, summary)) + QStringLiteral("  ")
+        + m_style.label(QLatin1Char('(') + details.join(QStringLiteral(", ")) + QLatin1Char(')'))
+        + QLatin1Char('\n'));
+}
+
+/// How many files there are: inputs and outputs, if there is a summary, and embedded ones.
+QString StepPrinter::countedFiles(const SectionTag& step, const Summary& summary) const
+{
+    QString embedded = QStringLiteral("%1 embedded").arg(m_stepFiles.filesIn(step).size());
+    if (!summary.fromXml)
+        return embedded;
+    return QStringLiteral("%1 in, %2 out, %3")
+        .arg(QString::number(countInputs(summary.files)),
+             QString::number(countOutputs(summary.files)), embedded);
 }
 
 void StepPrinter::printFilesWithoutStep()
 {
-    const QVector<int> files = filesWithoutStep(m_stepFiles);
+    const QList<FileSummary> files = m_summaries.filesWithoutStep();
     if (files.isEmpty())
         return;
-    if (!m_oneLine)
-        printLine(QString());
-    const QString extent = QStringLiteral("(%1)").arg(countedFiles(files));
-    printLine(m_style.id(QStringLiteral("-")) + QStringLiteral("  without a step  ")
-              + m_style.label(extent));
+    const QString extent = QStringLiteral("(%1)").arg(
+        counted(files.size(), QStringLiteral("file")));
+    m_output.write((m_oneLine ? QString() : QStringLiteral("\n")) + m_style.id(QStringLiteral("-"))
+                   + QStringLiteral("  without a step  ") + m_style.label(extent)
+                   + QLatin1Char('\n'));
     if (m_listFiles)
         printFiles(files);
 }
 
-void StepPrinter::printFiles(const QVector<int>& files)
+void StepPrinter::printFiles(const QList<FileSummary>& files)
 {
-    Table table({{QString(), Table::Right}, {QString(), Table::Right}, {QString(), Table::Left}});
-    for (const int id : files) {
-        const FileTag& file = m_stepFiles.files()[id];
-        table.addRow({QString::number(id), humanSize(file.filesize), shown(file.filename)});
+    Table table({{QString(), Table::Right},
+                 {QString(), Table::Left},
+                 {QString(), Table::Right},
+                 {QString(), Table::Left}});
+    for (const FileSummary& file : files) {
+        table.addRow({numberOrDash(file.tagId), purposeText(file.filePurpose),
+                      humanSize(file.uncompressedSize), nameOf(file)});
     }
     table.writeTo(m_output, m_style, false, QStringLiteral("    "));
 }
 
-void StepPrinter::printValue(const char* label, const QString& value)
+/// One step for other programs, with the embedded files in it if @p listFiles.
+QJsonObject listedStepJson(const SectionTag& step, const StepFiles& stepFiles,
+                           const Summaries& summaries, const QStringList& purposes, bool listFiles)
 {
-    const QString name = QLatin1String(label) + QLatin1Char(':');
-    printLine(QStringLiteral("  ") + m_style.label(name.leftJustified(8)) + QLatin1Char(' ')
-              + value);
-}
-
-void StepPrinter::printLine(const QString& line)
-{
-    m_output.write(line + QLatin1Char('\n'));
-}
-
-/// One step for other programs:
-///
-///     id           0 for the newest step
-///     title, creator, version
-///     index        the step's number as its writer counted it
-///     size         bytes that the step takes in the document
-///     md5          MD5 digest of these bytes, empty if the marker has none
-///     previousMd5  that of the step before, as this step's marker has it
-///     position     offset of the line with the marker
-///     fileCount    number of embedded files in the step
-///     files        these files, with --files only
-QJsonObject stepJson(const SectionTag& step, const StepFiles& stepFiles, bool listFiles)
-{
-    const QVector<int> ids = stepFiles.filesIn(step);
-    QJsonObject object = {{QStringLiteral("id"), step.id},
-                          {QStringLiteral("index"), jsonNumber(step.index)},
-                          {QStringLiteral("size"), jsonNumber(step.size)},
-                          {QStringLiteral("md5"), step.md5section},
-                          {QStringLiteral("previousMd5"), step.previousmd5},
-                          {QStringLiteral("position"), step.pos - 1},
-                          {QStringLiteral("fileCount"), static_cast<int>(ids.size())}};
-    insertText(object, QStringLiteral("title"), step.title);
-    insertText(object, QStringLiteral("creator"), step.creator);
-    insertText(object, QStringLiteral("version"), step.version);
+    QJsonObject object = stepJson(step, summaries.of(step), stepFiles);
     if (listFiles) {
         QJsonArray files;
-        for (const int id : ids)
-            files += fileJson(stepFiles.files()[id]);
+        for (const int id : stepFiles.filesIn(step))
+            files += fileJson(stepFiles.files()[id], purposes[id]);
         object.insert(QStringLiteral("files"), files);
     }
     return object;
 }
 
-/// The history for other programs: "document", "steps" and the ids "filesWithoutStep".
-QJsonObject historyJson(const Document& document, const StepFiles& stepFiles, bool listFiles)
+/// The history of a document for other programs: one object, or one for each step on a line.
+void printJson(Invocation& invocation, const Document& document, const StepFiles& stepFiles,
+               const Summaries& summaries)
 {
+    const bool lines = invocation.isSet("jsonl");
+    const bool listFiles = invocation.isSet("files");
+    const QStringList purposes = summaries.purposes();
     QJsonArray steps;
-    for (const SectionTag& step : stepFiles.steps())
-        steps += stepJson(step, stepFiles, listFiles);
+    for (const SectionTag& step : stepFiles.steps()) {
+        QJsonObject object = listedStepJson(step, stepFiles, summaries, purposes, listFiles);
+        if (lines) {
+            object.insert(QStringLiteral("document"), document.name());
+            writeJsonLine(invocation.output, object);
+            if (invocation.output.error() != 0)
+                return;
+        } else {
+            steps += object;
+        }
+    }
+    if (lines)
+        return;
     QJsonArray rest;
-    for (const int id : filesWithoutStep(stepFiles))
+    for (const int id : stepFiles.filesWithoutStep())
         rest += id;
-    return {{QStringLiteral("document"), document.name()},
-            {QStringLiteral("steps"), steps},
-            {QStringLiteral("filesWithoutStep"), rest}};
+    writeJson(invocation.output,
+              {{QStringLiteral("document"), document.name()},
+               {QStringLiteral("steps"), steps},
+               {QStringLiteral("filesWithoutStep"), rest}});
 }
 
-/// Reports a history that does not lead back to its first step.
-bool checkChain(const Document& document, const SectionTag& oldest)
+int logDocument(Invocation& invocation, const QString& path)
 {
-    if (oldest.previousmarker < 0)
-        return true;
-    document.report(QStringLiteral("the history is incomplete: the step before step %1 is not "
-                                   "where its marker says")
-                        .arg(oldest.id));
-    return false;
+    Document document;
+    if (!document.openWithSteps(path))
+        return exitTrouble;
+    const StepFiles stepFiles(document.parser());
+    const Summaries summaries(document, stepFiles);
+    if (invocation.isSet("json") || invocation.isSet("jsonl"))
+        printJson(invocation, document, stepFiles, summaries);
+    else
+        StepPrinter(invocation, stepFiles, summaries).print();
+    invocation.output.flush();
+    const int exitCode = checkRead(document, summaries);
+    return document.checkChain() ? exitCode : exitTrouble;
 }
 
 int runLog(Invocation& invocation)
 {
-    Document document;
-    if (!document.open(invocation.arguments[0]))
-        return exitTrouble;
-    const StepFiles stepFiles(document.parser());
-    if (stepFiles.steps().isEmpty()) {
-        document.report(
-            QStringLiteral("has no history: no step is left in it, only %1")
-                .arg(counted(stepFiles.files().size(), QStringLiteral("embedded file"))));
-        return exitTrouble;
+    const QStringList& paths = invocation.arguments;
+    const Command* const command = findCommandNamed(QStringLiteral("log"));
+    if (invocation.isSet("json") && invocation.isSet("jsonl"))
+        return reportUsage(command, QStringLiteral("--json and --jsonl exclude each other"));
+    if (invocation.isSet("json") && paths.size() > 1)
+        return reportUsage(command, QStringLiteral("--json takes one DOC, --jsonl any number"));
+    const bool headings = paths.size() > 1 && !invocation.isSet("jsonl");
+    int exitCode = exitDone;
+    for (int i = 0; i < paths.size() && invocation.output.error() == 0; ++i) {
+        if (headings) {
+            const QString heading = invocation.style.title(printable(paths[i]))
+                + QStringLiteral(":\n");
+            invocation.output.write((i > 0 ? QStringLiteral("\n") : QString()) + heading);
+            invocation.output.flush();
+        }
+        exitCode = std::max(exitCode, logDocument(invocation, paths[i]));
     }
-    if (invocation.isSet("json"))
-        writeJson(invocation.output, historyJson(document, stepFiles, invocation.isSet("files")));
-    else
-        StepPrinter(invocation, stepFiles).print();
-    invocation.output.flush();
-    const bool whole = document.checkExtent();
-    return checkChain(document, stepFiles.steps().last()) && whole ? exitDone : exitTrouble;
+    return exitCode;
 }
 
 } // namespace
@@ -232,15 +222,17 @@ int runLog(Invocation& invocation)
 Command logCommand()
 {
     return {"log",
-            "list the steps of a document, newest first",
-            "DOC",
-            "Lists the steps of a document's history, newest first: what the marker of each\n"
-            "says, the number of files embedded in it, and its size in the document.\n",
+            "list the steps of documents, newest first",
+            "DOC...",
+            "Lists the steps of a document's history, newest first: when, with which tool and\n"
+            "by whom they were made, as their summaries say, and how many files they read and\n"
+            "wrote, and how many are embedded. With --verbose also what their markers say.\n",
             {{0, "oneline", nullptr, "show each step on one line"},
              {0, "files", nullptr, "list the files of each step under it"},
-             {0, "json", nullptr, "print one JSON object instead"}},
+             {0, "json", nullptr, "print one JSON object instead"},
+             {0, "jsonl", nullptr, "print a JSON object for each step, on a line of its own"}},
             {"DOC"},
-            1,
+            anyNumber,
             runLog};
 }
 

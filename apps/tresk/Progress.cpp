@@ -5,6 +5,7 @@
 #include "Text.h"
 
 #include <algorithm>
+#include <cmath>
 #include <sys/ioctl.h>
 #include <unistd.h>
 
@@ -14,6 +15,7 @@ namespace {
 
 constexpr int barWidth = 20;
 constexpr int millisecondsBetween = 100;
+constexpr int millisecondsUntilSpeed = 250; // before, it says little
 
 int terminalWidth()
 {
@@ -21,6 +23,19 @@ int terminalWidth()
     if (ioctl(STDERR_FILENO, TIOCGWINSZ, &size) == 0 && size.ws_col > 0)
         return size.ws_col;
     return 80;
+}
+
+/// A duration as hours, minutes and seconds: "0:07", "1:02:30".
+QString clockText(qint64 seconds)
+{
+    const auto twoDigits = [](qint64 number) {
+        return QString::number(number).rightJustified(2, QLatin1Char('0'));
+    };
+    const QString rest = QLatin1Char(':') + twoDigits(seconds % 60);
+    const qint64 minutes = seconds / 60;
+    if (minutes < 60)
+        return QString::number(minutes) + rest;
+    return QString::number(minutes / 60) + QLatin1Char(':') + twoDigits(minutes % 60) + rest;
 }
 
 void writeToTerminal(const QString& text)
@@ -36,6 +51,7 @@ Progress::Progress(qint64 total)
     , m_enabled(verbosity() != Verbosity::Quiet && isatty(STDERR_FILENO) == 1
                 && qgetenv("TERM") != "dumb")
 {
+    m_sinceStart.start();
 }
 
 Progress::~Progress()
@@ -52,11 +68,24 @@ void Progress::show(qint64 done, const QString& what)
     const int filled = std::clamp(static_cast<int>(share * barWidth), 0, barWidth);
     const QString bar = QString(filled, QLatin1Char('#')).leftJustified(barWidth, QLatin1Char('.'));
     const int percent = std::clamp(static_cast<int>(share * 100), 0, 100);
-    const QString line = QStringLiteral("[%1] %2%  %3")
-                             .arg(bar, QString::number(percent).rightJustified(3), printable(what));
+    const QString line = QStringLiteral("[%1] %2%  %3%4")
+                             .arg(bar, QString::number(percent).rightJustified(3), speed(done),
+                                  printable(what));
     // The last column stays free: some terminals wrap as soon as it is taken.
     writeToTerminal(QStringLiteral("\r\x1b[K") + cutToWidth(line, terminalWidth() - 1));
     m_shown = true;
+}
+
+/// "95.3 MiB/s  0:07 left  ", or nothing as long as nothing can be told.
+QString Progress::speed(qint64 done) const
+{
+    const qint64 milliseconds = m_sinceStart.elapsed();
+    if (milliseconds < millisecondsUntilSpeed || done <= 0)
+        return {};
+    const double rate = double(done) * 1000 / double(milliseconds);
+    const double secondsLeft = double(std::max<qint64>(0, m_total - done)) / rate;
+    return QStringLiteral("%1/s  %2 left  ")
+        .arg(humanSize(qint64(rate)), clockText(qint64(std::ceil(secondsLeft))));
 }
 
 void Progress::clear()

@@ -6,14 +6,16 @@
 
 namespace tresk::cli {
 
-/// A line at the bottom of the terminal that says how far a long job is. Shown on standard
-/// error, and only if that is a terminal and messages are wanted.
+/// A line at the bottom of the terminal that says how far a long job is: a percentage and, once
+/// they can be told, bytes a second and the time left. Shown on standard error, and only if
+/// that is a terminal and messages are wanted.
 class Progress {
 public:
+    /// For a job of @p total bytes that begins now.
     explicit Progress(qint64 total);
     ~Progress();
 
-    /// Shows that @p done of the total are done and @p what is being worked on. Most calls do
+    /// Shows that @p done bytes of the total are done and @p what is being worked on. Most calls do
     /// nothing, so it may be called often.
     void show(qint64 done, const QString& what);
     /// Takes the line away, to make room for something else.
@@ -22,9 +24,12 @@ public:
 private:
     Q_DISABLE_COPY(Progress)
 
+    QString speed(qint64 done) const;
+
     qint64 m_total;
     bool m_enabled;
     bool m_shown = false;
+    QElapsedTimer m_sinceStart;
     QElapsedTimer m_sinceShown;
 };
 

@@ -3,6 +3,7 @@
 #include <QStringList>
 
 #include <algorithm>
+#include <vector>
 
 namespace tresk::cli {
 
@@ -23,6 +24,29 @@ QVector<int> StepFiles::filesIn(const SectionTag& step) const
     for (; file != m_files.end() && file->pos <= end; ++file) {
         if (qint64(file->pos) + file->tagLength + file->blocksize <= end)
             ids += file->id;
+    }
+    return ids;
+}
+
+qint64 StepFiles::memberships() const
+{
+    qint64 sum = 0;
+    for (const SectionTag& step : m_steps)
+        sum += filesIn(step).size();
+    return sum;
+}
+
+QVector<int> StepFiles::filesWithoutStep() const
+{
+    std::vector<bool> hasStep(static_cast<size_t>(m_files.size()), false);
+    for (const SectionTag& step : m_steps) {
+        for (const int id : filesIn(step))
+            hasStep[static_cast<size_t>(id)] = true;
+    }
+    QVector<int> ids;
+    for (const FileTag& file : m_files) {
+        if (!hasStep[static_cast<size_t>(file.id)])
+            ids += file.id;
     }
     return ids;
 }

@@ -21,6 +21,11 @@ public:
 
     /// The ids of the files that lie in the step, ascending.
     QVector<int> filesIn(const SectionTag& step) const;
+    /// How many files lie in which step, all steps added up: more than there are files where
+    /// steps reach back over others.
+    qint64 memberships() const;
+    /// The ids of the files that lie in no step, ascending.
+    QVector<int> filesWithoutStep() const;
 
 private:
     QList<SectionTag> m_steps;

@@ -102,7 +102,21 @@ QString TargetFile::create()
                       O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, 0666);
     } while (m_fd == -1 && errno == EEXIST);
     m_exists = m_fd != -1;
-    return m_exists ? QString() : lastError();
+    if (!m_exists)
+        return lastError();
+    allowOwner();
+    return {};
+}
+
+/// Lets the file be opened once more where the umask keeps even its owner out.
+void TargetFile::allowOwner()
+{
+    struct stat status = {};
+    if (fstat(m_fd, &status) != 0)
+        return;
+    m_mode = status.st_mode & 0777U;
+    if ((m_mode & 0600U) != 0600U)
+        fchmod(m_fd, m_mode | 0600U);
 }
 
 QString TargetFile::write(const QByteArray& bytes)
@@ -111,8 +125,27 @@ QString TargetFile::write(const QByteArray& bytes)
     return error == 0 ? QString() : systemError(error);
 }
 
+QString TargetFile::problem()
+{
+    const QByteArray some(64 * 1024, '\0');
+    return lseek(m_fd, 0, SEEK_END) == -1 ? lastError() : write(some);
+}
+
+QString TargetFile::openPath() const
+{
+    return QStringLiteral("/dev/fd/%1").arg(m_fd);
+}
+
+qint64 TargetFile::size() const
+{
+    struct stat status = {};
+    return fstat(m_fd, &status) == 0 ? status.st_size : -1;
+}
+
 QString TargetFile::complete(const QString& name, bool replace)
 {
+    if ((m_mode & 0600U) != 0600U)
+        fchmod(m_fd, m_mode);
     // Some file systems report only here that there was no room.
     const int fd = m_fd;
     m_fd = -1;

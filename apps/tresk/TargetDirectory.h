@@ -51,18 +51,28 @@ public:
 
     QString create();
     QString write(const QByteArray& bytes);
+    /// Tries whether more can be written behind what is there, which spoils the file.
+    QString problem();
     /// Gives the file its name @p name. With @p replace whatever else has it goes, unless it
     /// is a directory.
     QString complete(const QString& name, bool replace);
+
+    /// A path by which the file, while it is open, can be opened once more: it leads to this
+    /// file whatever happens to the names in the directory.
+    QString openPath() const;
+    /// Number of bytes in the file.
+    qint64 size() const;
 
 private:
     Q_DISABLE_COPY(TargetFile)
 
     int giveName(const char* name, bool replace);
+    void allowOwner();
 
     const TargetDirectory& m_directory;
     QByteArray m_temporaryName;
     int m_fd = -1;
+    unsigned m_mode = 0; ///< what the file gets in the end
     bool m_exists = false;
 };
 

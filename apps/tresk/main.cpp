@@ -4,6 +4,7 @@
 #include "SystemText.h"
 
 #include <QCoreApplication>
+#include <QLoggingCategory>
 
 #include <cerrno>
 #include <csignal>
@@ -34,6 +35,8 @@ void applyCommonOptions(Invocation& invocation)
         setVerbosity(Verbosity::Quiet);
     else if (invocation.isSet("verbose"))
         setVerbosity(Verbosity::Verbose);
+    if (verbosity() != Verbosity::Verbose)
+        QLoggingCategory::setFilterRules(QStringLiteral("tresk.debug=false"));
 
     const QString colour = invocation.value("color");
     const bool coloured = colour == QLatin1String("always")

@@ -1,5 +1,7 @@
 #include "Command.h"
 
+#include <QElapsedTimer>
+#include <QFile>
 #include <QJsonDocument>
 #include <QtTest>
 
@@ -24,6 +26,8 @@ Outcome outcomeOf(QProcess& process)
     outcome.errors = process.readAllStandardError();
     if (process.state() == QProcess::NotRunning && process.exitStatus() == QProcess::NormalExit)
         outcome.exitCode = process.exitCode();
+    else
+        outcome.errors += process.errorString().toUtf8() + '\n';
     return outcome;
 }
 
@@ -96,6 +100,16 @@ Command& Command::inShell(const QString& script)
     return *this;
 }
 
+bool Command::asOrdinaryUser(const QString& before)
+{
+    const bool isRoot = geteuid() == 0;
+    const QString other = isRoot ? QStringLiteral("setpriv --reuid=65534 --clear-groups -- ")
+                                 : QString();
+    const QString script = QStringLiteral("exec %1\"$@\"").arg(other);
+    inShell(before + script);
+    return !isRoot || Command({QStringLiteral("--version")}).inShell(script).run().exitCode == 0;
+}
+
 Outcome Command::run()
 {
     return runWhile([](qint64) {});
@@ -106,7 +120,9 @@ Outcome Command::runWhile(const std::function<void(qint64)>& act)
     QProcess process;
     start(process);
     if (process.waitForStarted(mostMilliseconds)) {
-        act(process.processId());
+        const qint64 id = process.processId();
+        if (id > 0)
+            act(id);
         process.waitForFinished(mostMilliseconds);
     }
     return outcomeOf(process);
@@ -147,6 +163,27 @@ void Command::start(QProcess& process) const
     const QStringList shellArguments = {QStringLiteral("-c"), m_script, QStringLiteral("sh"),
                                         command};
     process.start(QStringLiteral("sh"), shellArguments + m_arguments);
+}
+
+void waitUntilRead(qint64 processId, qint64 bytes)
+{
+    QElapsedTimer timer;
+    timer.start();
+    const QString path = QStringLiteral("/proc/%1/io").arg(processId);
+    while (timer.elapsed() < mostMilliseconds) {
+        QFile file(path);
+        const bool present = file.open(QIODevice::ReadOnly);
+        // "rchar: NUMBER"
+        const QByteArray first = file.readLine();
+        if (!present || first.isEmpty() || first.mid(7).trimmed().toLongLong() >= bytes)
+            return;
+        QTest::qSleep(1);
+    }
+}
+
+QString text(const char* utf8)
+{
+    return QString::fromUtf8(utf8);
 }
 
 void useUtf8Paths()

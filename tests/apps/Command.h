@@ -16,7 +16,7 @@ namespace tresktest {
 struct Outcome {
     int exitCode = -1; ///< -1 if it crashed or did not end
     QByteArray output; ///< what it wrote to standard output
-    QByteArray errors; ///< what it wrote to standard error
+    QByteArray errors; ///< what it wrote to standard error; behind that why it has no exit code
 };
 
 /// A run of the tresk command.
@@ -30,8 +30,13 @@ public:
     /// Has the shell run @p script, in which "$@" stands for the command and its arguments.
     Command& inShell(const QString& script);
 
+    /// Has the shell do what @p before says, and then a user run it for whom permissions count,
+    /// also if the one who runs the tests is root. False if there is none to be had.
+    bool asOrdinaryUser(const QString& before = QString());
+
     Outcome run();
-    /// Runs it and calls @p act, which may send it signals, as soon as it has started.
+    /// Runs it and calls @p act, which may send it signals, as soon as it has started; not if
+    /// it has ended by then.
     Outcome runWhile(const std::function<void(qint64 processId)>& act);
 
     /// Runs it with standard output, standard error or both connected to a terminal, what
@@ -46,6 +51,12 @@ private:
     QString m_script;
     QProcessEnvironment m_environment;
 };
+
+/// Waits until the process has read so many bytes, or has ended.
+void waitUntilRead(qint64 processId, qint64 bytes);
+
+/// The text that these bytes of UTF-8 are.
+QString text(const char* utf8);
 
 /// Makes paths and arguments UTF-8, whatever locale the tests run in. For tests that write
 /// files with other names than ASCII ones; runs of the command do it themselves.

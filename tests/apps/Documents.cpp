@@ -1,5 +1,7 @@
 #include "Documents.h"
 
+#include <QDir>
+#include <QFile>
 #include <QtEndian>
 
 #include <zlib.h>
@@ -62,6 +64,98 @@ FileSpec fileOfZeros(const QString& name, qint64 size)
     file.compression = "flate";
     file.stored = streamOfZeros(size);
     return file.with("filesize", QByteArray::number(size));
+}
+
+QString writeWithHole(const TestDir& dir, const QString& name, int size,
+                      const QVector<FileSpec>& before, const QVector<FileSpec>& behind,
+                      const QByteArray& checksum)
+{
+    DocumentWriter writer(headerLine() + '\n');
+    for (const FileSpec& file : before)
+        writer.writeFile(file);
+    FileSpec zeros = FileSpec::plain(QStringLiteral("zeros"), "");
+    zeros.with("filesize", QByteArray::number(size)).with("cfilesize", QByteArray::number(size));
+    zeros.with("blocksize", QByteArray::number(size + 2)).with("md5file", checksum);
+    const int holeStart = writer.writeFile(zeros).dataStart;
+    // All distances are counted inside of what comes behind the hole.
+    writer.writeSection(step(QStringLiteral("step"), behind));
+    const QString path = dir.path(name);
+    QFile file(path);
+    const bool written = file.open(QIODevice::WriteOnly)
+        && file.write(writer.bytes().left(holeStart)) == holeStart
+        && file.seek(qint64(holeStart) + size) && file.write(writer.bytes().mid(holeStart)) > 0;
+    if (!written)
+        qFatal("cannot write %s", qPrintable(path));
+    return path;
+}
+
+const QByteArray& damagedContent()
+{
+    static const QByteArray content = noise(300000);
+    return content;
+}
+
+QVector<DamagedFile> damagedFiles()
+{
+    const FileSpec plain = FileSpec::plain(QStringLiteral("f"), damagedContent());
+    const FileSpec squeezed = FileSpec::flate(QStringLiteral("f"), damagedContent());
+    const auto changed = [](FileSpec file, const char* key, const char* value) {
+        return file.with(key, value);
+    };
+    const auto storing = [&squeezed](const QByteArray& stored) {
+        FileSpec file = squeezed;
+        file.stored = stored;
+        return file;
+    };
+    const QByteArray stream = deflated(damagedContent());
+    QByteArray wrong = stream;
+    wrong[wrong.size() - 1] = static_cast<char>(~wrong[wrong.size() - 1]);
+
+    const QByteArray unknown = "its compression \"%1\" is unknown";
+    const QByteArray noSize = "its marker does not say how large it is";
+    const QByteArray noPlace = "its marker does not say where it is stored";
+    const QByteArray beyond = "its stored bytes reach beyond the end of the document";
+    const QByteArray broken = "its compressed stream is broken";
+    const QByteArray cut = "its compressed stream breaks off";
+    const auto compression = [&unknown](const char* shown) {
+        return QByteArray(unknown).replace("%1", shown);
+    };
+    const auto longerThan = [](const char* size) {
+        return "its content is longer than the " + QByteArray(size) + " that its marker says";
+    };
+    return {
+        {"unknown compression", changed(plain, "compression", "gzip"), compression("gzip")},
+        {"no compression", changed(plain, "compression", ""), compression("")},
+        {"capitals", changed(squeezed, "compression", "Flate"), compression("Flate")},
+        {"strange", changed(plain, "compression", "x\\n\x1b"), compression("x\\n\\x1b")},
+        {"no size", changed(squeezed, "filesize", ""), noSize},
+        {"no size, plain", changed(plain, "filesize", ""), noSize},
+        {"no stored size", changed(squeezed, "cfilesize", ""), noPlace},
+        {"no offset", changed(plain, "offset", ""), noPlace},
+        {"beyond the end", changed(plain, "filesize", "400000"), beyond},
+        {"beyond the end, compressed", changed(squeezed, "cfilesize", "400000"), beyond},
+        {"far beyond", changed(plain, "offset", "2147483647"), beyond},
+        {"as far as can be",
+         changed(changed(plain, "offset", "2147483647"), "filesize", "2147483647"), beyond},
+        {"longer", changed(squeezed, "filesize", "299999"), longerThan("299999 bytes")},
+        {"longer than nothing", changed(squeezed, "filesize", "0"), longerThan("0 bytes")},
+        {"longer than one", changed(squeezed, "filesize", "1"), longerThan("1 byte")},
+        {"shorter", changed(squeezed, "filesize", "300001"),
+         "its content has 300000 bytes, but its marker says 300001"},
+        {"no stream", storing("this is no stream"), broken},
+        {"no long stream", storing(damagedContent()), broken},
+        {"broken", storing(QByteArray("\x78\xda\xff\xff")), broken},
+        {"wrong checksum of the stream", storing(wrong), broken},
+        {"cut", storing(stream.left(200000)), cut},
+        {"cut early", storing(stream.left(50000)), cut},
+        {"nothing stored", storing(""), cut},
+    };
+}
+
+QStringList entriesOf(const QString& path)
+{
+    return QDir(path).entryList(
+        QDir::AllEntries | QDir::Hidden | QDir::System | QDir::NoDotAndDotDot, QDir::Name);
 }
 
 QByteArray noise(int size)

@@ -37,11 +37,6 @@ private:
 
 namespace {
 
-QString text(const char* utf8)
-{
-    return QString::fromUtf8(utf8);
-}
-
 /// Files whose contents are their ids.
 QVector<FileSpec> namedFiles()
 {
@@ -180,67 +175,17 @@ void TestCommandCat::damageIsReported_data()
 {
     QTest::addColumn<QByteArray>("document");
     QTest::addColumn<QByteArray>("problem");
+    for (const DamagedFile& damaged : damagedFiles())
+        QTest::newRow(damaged.name) << documentWith({damaged.file}) << damaged.problem;
 
-    const auto row = [](const char* name, const FileSpec& file, const char* problem) {
-        QTest::newRow(name) << documentWith({file}) << QByteArray(problem);
-    };
-    const QByteArray content = noise(300000);
-    const FileSpec plain = FileSpec::plain(text("f"), content);
-    const FileSpec squeezed = FileSpec::flate(text("f"), content);
-    const auto changed = [](FileSpec file, const char* key, const char* value) {
-        return file.with(key, value);
-    };
-    const auto storing = [](FileSpec file, const QByteArray& stored) {
-        file.stored = stored;
-        return file;
-    };
-
-    row("unknown compression", changed(plain, "compression", "gzip"),
-        "its compression \"gzip\" is unknown");
-    row("no compression", changed(plain, "compression", ""), "its compression \"\" is unknown");
-    row("compression in capitals", changed(squeezed, "compression", "Flate"),
-        "its compression \"Flate\" is unknown");
-    row("strange compression", changed(plain, "compression", "x\\n\x1b"),
-        R"(its compression "x\n\x1b" is unknown)");
-    row("no size", changed(squeezed, "filesize", ""), "its marker does not say how large it is");
-    row("no size, plain", changed(plain, "filesize", ""),
-        "its marker does not say how large it is");
-    row("no stored size", changed(squeezed, "cfilesize", ""),
-        "its marker does not say where it is stored");
-    row("no offset", changed(plain, "offset", ""), "its marker does not say where it is stored");
-    row("beyond the end", changed(plain, "filesize", "400000"),
-        "its stored bytes reach beyond the end of the document");
-    row("beyond the end, compressed", changed(squeezed, "cfilesize", "400000"),
-        "its stored bytes reach beyond the end of the document");
-    row("far beyond", changed(plain, "offset", "2147483647"),
-        "its stored bytes reach beyond the end of the document");
-    row("as far as can be",
-        changed(changed(plain, "offset", "2147483647"), "filesize", "2147483647"),
-        "its stored bytes reach beyond the end of the document");
-    row("longer", changed(squeezed, "filesize", "299999"),
-        "its content is longer than the 299999 bytes that its marker says");
-    row("longer than nothing", changed(squeezed, "filesize", "0"),
-        "its content is longer than the 0 bytes that its marker says");
-    row("longer than one", changed(squeezed, "filesize", "1"),
-        "its content is longer than the 1 byte that its marker says");
-    row("shorter", changed(squeezed, "filesize", "300001"),
-        "its content has 300000 bytes, but its marker says 300001");
-
-    const QByteArray stream = deflated(content);
-    QByteArray broken = stream;
-    broken[broken.size() / 2] = static_cast<char>(~broken[broken.size() / 2]);
-    row("no stream", storing(squeezed, "this is no stream"), "its compressed stream is broken");
-    row("broken", storing(squeezed, QByteArray("\x78\xda\xff\xff")),
-        "its compressed stream is broken");
-    broken = stream;
-    broken[broken.size() - 1] = static_cast<char>(~broken[broken.size() - 1]);
-    row("wrong checksum", storing(squeezed, broken), "its compressed stream is broken");
-    row("cut", storing(squeezed, stream.left(100000)), "its compressed stream breaks off");
-    row("cut by a byte", storing(squeezed, stream.left(stream.size() - 1)),
-        "its compressed stream breaks off");
-    row("nothing stored", storing(squeezed, ""), "its compressed stream breaks off");
-    row("nothing stored of nothing", storing(FileSpec::flate(text("f"), ""), ""),
-        "its compressed stream breaks off");
+    const QByteArray stream = deflated(damagedContent());
+    FileSpec cut = FileSpec::flate(text("f"), damagedContent());
+    cut.stored = stream.left(stream.size() - 1);
+    FileSpec nothing = FileSpec::flate(text("f"), "");
+    nothing.stored = "";
+    const QByteArray problem = "its compressed stream breaks off";
+    QTest::newRow("cut by a byte") << documentWith({cut}) << problem;
+    QTest::newRow("nothing stored of nothing") << documentWith({nothing}) << problem;
 }
 
 void TestCommandCat::damageIsReported()
@@ -250,7 +195,7 @@ void TestCommandCat::damageIsReported()
     const QString path = m_dir.write(text("damaged.pdf"), document);
     const Outcome outcome = runTresk({text("cat"), path, text("f")});
     QCOMPARE(outcome.errors, "tresk: " + path.toUtf8() + ": file 0 \"f\": " + problem + '\n');
-    QVERIFY(noise(300000).startsWith(outcome.output));
+    QVERIFY(damagedContent().startsWith(outcome.output));
     QCOMPARE(outcome.exitCode, 2);
 }
 

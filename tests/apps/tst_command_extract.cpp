@@ -45,7 +45,7 @@ private Q_SLOTS:
 private:
     Outcome extract(const QStringList& arguments) const;
     QString target(const char* name) const;
-    QStringList entries() const;
+    QStringList entries() const; ///< everything in the target directory
 
     QScopedPointer<TestDir> m_dir;
     QString m_document;
@@ -53,11 +53,6 @@ private:
 };
 
 namespace {
-
-QString text(const char* utf8)
-{
-    return QString::fromUtf8(utf8);
-}
 
 const QByteArray plainContent = noise(600000);
 const QByteArray squeezedContent = QByteArray("all work and no play ").repeated(50000);
@@ -86,11 +81,9 @@ QString TestCommandExtract::target(const char* name) const
     return m_target + QLatin1Char('/') + text(name);
 }
 
-/// Everything in the target directory.
 QStringList TestCommandExtract::entries() const
 {
-    return QDir(m_target).entryList(
-        QDir::AllEntries | QDir::Hidden | QDir::System | QDir::NoDotAndDotDot, QDir::Name);
+    return entriesOf(m_target);
 }
 
 void TestCommandExtract::allFilesAreWritten()

@@ -30,11 +30,6 @@ private:
 
 namespace {
 
-QString text(const char* utf8)
-{
-    return QString::fromUtf8(utf8);
-}
-
 QString repeated(const char* utf8, int count)
 {
     return text(utf8).repeated(count);

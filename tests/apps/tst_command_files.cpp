@@ -1,5 +1,6 @@
 #include "Command.h"
 #include "Documents.h"
+#include "SummaryXml.h"
 
 #include <TestFiles.h>
 #include <tresk/TreskParser.h>
@@ -20,6 +21,8 @@ private Q_SLOTS:
     void missingAndStrangeValuesAreShown();
     void stepsThatHoldAFile();
     void stepsAreThoseOfTheParser();
+    void purposeIsThatOfTheSummary();
+    void purposeIsThatOfTheOldestStep();
     void verboseShowsMore();
     void documentWithoutFiles();
     void jsonHasWhatTheMarkerSays();
@@ -31,15 +34,6 @@ private:
 
     TestDir m_dir;
 };
-
-namespace {
-
-QString text(const char* utf8)
-{
-    return QString::fromUtf8(utf8);
-}
-
-} // namespace
 
 void TestCommandFiles::initTestCase()
 {
@@ -61,10 +55,10 @@ void TestCommandFiles::filesAreListed()
     const QByteArray document = documentWith(
         {FileSpec::plain(text("a.txt"), "alpha"), squeezed, FileSpec::plain(text("c"), "")});
     const QString stored = QString::number(deflated(squeezed.content).size());
-    const QString expected = QStringLiteral("ID  STEP   SIZE  STORED  COMPRESSION  NAME\n"
-                                            " 0  0         5       5  none         a.txt\n"
-                                            " 1  0     10000  %1  flate        b.txt\n"
-                                            " 2  0         0       0  none         c\n")
+    const QString expected = QStringLiteral("ID  STEP   SIZE  STORED  COMPRESSION  PURPOSE  NAME\n"
+                                            " 0  0         5       5  none         -        a.txt\n"
+                                            " 1  0     10000  %1  flate        -        b.txt\n"
+                                            " 2  0         0       0  none         -        c\n")
                                  .arg(stored, 6);
     QCOMPARE(run(document), expected);
     QCOMPARE(run(document, {text("-q")}), expected);
@@ -81,12 +75,13 @@ void TestCommandFiles::columnsAreAlignedByWidth()
                         "e\xcc\x81";
     FileSpec pictures = FileSpec::plain(text("pictures"), "x");
     pictures.compression = "\xf0\x9f\x94\xa9\xf0\x9f\x94\xa9";
-    QCOMPARE(run(documentWith({wide, marks, pictures, FileSpec::plain(text("plain"), "x")})),
-             text("ID  STEP  SIZE  STORED  COMPRESSION     NAME\n"
-                  " 0  0        1       1  \u8ef8\u53d7\u8a66\u9a13\u6a5f\u68b0\u5b66  wide\n"
-                  " 1  0        1       1  e\u0301e\u0301              marks\n"
-                  " 2  0        1       1  \U0001f529\U0001f529            pictures\n"
-                  " 3  0        1       1  none            plain\n"));
+    QCOMPARE(
+        run(documentWith({wide, marks, pictures, FileSpec::plain(text("plain"), "x")})),
+        text("ID  STEP  SIZE  STORED  COMPRESSION     PURPOSE  NAME\n"
+             " 0  0        1       1  \u8ef8\u53d7\u8a66\u9a13\u6a5f\u68b0\u5b66  -        wide\n"
+             " 1  0        1       1  e\u0301e\u0301              -        marks\n"
+             " 2  0        1       1  \U0001f529\U0001f529            -        pictures\n"
+             " 3  0        1       1  none            -        plain\n"));
 }
 
 void TestCommandFiles::missingAndStrangeValuesAreShown()
@@ -96,9 +91,9 @@ void TestCommandFiles::missingAndStrangeValuesAreShown()
     const FileSpec strange =
         FileSpec::plain(text("a]b\\c\nd\x1b[31m\u202e"), "x").with("compression", "x\\]\x07");
     QCOMPARE(run(documentWith({empty, strange})),
-             text("ID  STEP  SIZE  STORED  COMPRESSION  NAME\n"
-                  " 0  0        -       -               \n"
-                  " 1  0        1       1  x]\\x07       a]b\\c\\nd\\x1b[31m\\u202e\n"));
+             text("ID  STEP  SIZE  STORED  COMPRESSION  PURPOSE  NAME\n"
+                  " 0  0        -       -               -        \n"
+                  " 1  0        1       1  x]\\x07       -        a]b\\c\\nd\\x1b[31m\\u202e\n"));
 }
 
 void TestCommandFiles::stepsThatHoldAFile()
@@ -117,13 +112,13 @@ void TestCommandFiles::stepsThatHoldAFile()
     writer.writeSection(reachingBack("two"));
     writer.writeSection(reachingBack("last"));
     QCOMPARE(run(writer.bytes()),
-             text("ID  STEP     SIZE  STORED  COMPRESSION  NAME\n"
-                  " 0  -           1       1  none         stray\n"
-                  " 1  0,1,3,4     1       1  none         four\n"
-                  " 2  0,1,3       1       1  none         three\n"
-                  " 3  0-2         1       1  none         own\n"
-                  " 4  0,1         1       1  none         two\n"
-                  " 5  0           1       1  none         last\n"));
+             text("ID  STEP     SIZE  STORED  COMPRESSION  PURPOSE  NAME\n"
+                  " 0  -           1       1  none         -        stray\n"
+                  " 1  0,1,3,4     1       1  none         -        four\n"
+                  " 2  0,1,3       1       1  none         -        three\n"
+                  " 3  0-2         1       1  none         -        own\n"
+                  " 4  0,1         1       1  none         -        two\n"
+                  " 5  0           1       1  none         -        last\n"));
     const QJsonArray files =
         jsonObject(run(writer.bytes(), {text("--json")}).toUtf8()).value(text("files")).toArray();
     QCOMPARE(files[0].toObject().value(text("steps")).toArray(), QJsonArray());
@@ -178,6 +173,43 @@ void TestCommandFiles::stepsAreThoseOfTheParser()
         QCOMPARE(files[i].toObject().value(text("steps")).toArray(), expected[i]);
 }
 
+void TestCommandFiles::purposeIsThatOfTheSummary()
+{
+    const FileSpec in = FileSpec::plain(text("in"), "i");
+    const FileSpec out = FileSpec::flate(text("out"), "o");
+    const FileSpec other = FileSpec::plain(text("other"), "x");
+    const FileSpec summary = summaryWith(fileElement("OutFile", out) + fileElement("InFile", in)
+                                         + fileElement("InFile", other, false));
+    const QByteArray document = documentWith({in, out, other, summary});
+    const QString listed = run(document);
+    QVERIFY2(listed.contains(text("  none         in       in\n")), qPrintable(listed));
+    QVERIFY2(listed.contains(text("  flate        out      out\n")), qPrintable(listed));
+    QVERIFY2(listed.contains(text("  none         -        other\n")), qPrintable(listed));
+    QVERIFY2(listed.contains(text("  flate        -        ws_summary.xml\n")), qPrintable(listed));
+
+    const QJsonArray files =
+        jsonObject(run(document, {text("--json")}).toUtf8()).value(text("files")).toArray();
+    QStringList purposes;
+    for (const auto& file : files)
+        purposes += file.toObject().value(text("purpose")).toString();
+    QCOMPARE(purposes,
+             QStringList({text("InFile"), text("OutFile"), text("Undefined"), text("Undefined")}));
+}
+
+void TestCommandFiles::purposeIsThatOfTheOldestStep()
+{
+    // The second step reaches back to the file, which is an output of the first.
+    const FileSpec file = FileSpec::plain(text("passed on"), "content");
+    DocumentWriter writer(headerLine() + '\n');
+    const int start = writer.position();
+    writer.writeSection(step(text("a"), {file, summaryWith(fileElement("OutFile", file))}));
+    SectionSpec second = step(text("b"), {summaryWith(fileElement("InFile", file))});
+    second.regionStart = start;
+    writer.writeSection(second);
+    const QString listed = run(writer.bytes());
+    QVERIFY2(listed.contains(text("  none         out      passed on\n")), qPrintable(listed));
+}
+
 void TestCommandFiles::verboseShowsMore()
 {
     FileSpec first = FileSpec::plain(text("a.txt"), "alpha");
@@ -185,10 +217,12 @@ void TestCommandFiles::verboseShowsMore()
     first.desc = text("the first\nletter");
     FileSpec second = FileSpec::plain(text("beta.csv"), "beta");
     second.filetype = text("t]");
-    QCOMPARE(run(documentWith({first, second}), {text("-v")}),
-             text("ID  STEP  SIZE  STORED  COMPRESSION  TYPE        NAME      DESCRIPTION\n"
-                  " 0  0        5       5  none         text/plain  a.txt     the first\\nletter\n"
-                  " 1  0        4       4  none         t]          beta.csv  \n"));
+    QCOMPARE(
+        run(documentWith({first, second}), {text("-v")}),
+        text("ID  STEP  SIZE  STORED  COMPRESSION  PURPOSE  TYPE        NAME      DESCRIPTION\n"
+             " 0  0        5       5  none         -        text/plain  a.txt     the "
+             "first\\nletter\n"
+             " 1  0        4       4  none         -        t]          beta.csv  \n"));
 }
 
 void TestCommandFiles::documentWithoutFiles()
@@ -221,6 +255,7 @@ void TestCommandFiles::jsonHasWhatTheMarkerSays()
     QCOMPARE(files.size(), 2);
     const QJsonObject expected = {{text("id"), 0},
                                   {text("steps"), QJsonArray{0}},
+                                  {text("purpose"), text("Undefined")},
                                   {text("name"), text("plot.svg")},
                                   {text("type"), text("image/svg+xml")},
                                   {text("description"), text("the plot")},
@@ -262,8 +297,8 @@ void TestCommandFiles::jsonHasStoredAndUnescapedText()
 void TestCommandFiles::colourIsTakenWhenAskedFor()
 {
     QCOMPARE(run(documentWith({FileSpec::plain(text("a"), "x")}), {text("--color=always")}),
-             text("\x1b[2mID  STEP  SIZE  STORED  COMPRESSION  NAME\x1b[0m\n"
-                  "\x1b[33m 0\x1b[0m  0        1       1  none         a\n"));
+             text("\x1b[2mID  STEP  SIZE  STORED  COMPRESSION  PURPOSE  NAME\x1b[0m\n"
+                  "\x1b[33m 0\x1b[0m  0        1       1  none         -        a\n"));
 }
 
 QTEST_GUILESS_MAIN(TestCommandFiles)

@@ -5,6 +5,7 @@
 
 #include <QDir>
 #include <QJsonArray>
+#include <QSet>
 #include <QtTest>
 
 using namespace tresktest;
@@ -17,7 +18,12 @@ private Q_SLOTS:
     void initTestCase();
     void everythingComesOut_data();
     void everythingComesOut();
+    void everyStepSpeaks_data();
+    void everyStepSpeaks();
+    void soundOnesAreAllRight_data();
+    void soundOnesAreAllRight();
     void damageIsContained();
+    void damageIsTold();
 
 private:
     QJsonObject json(const QStringList& arguments, int exitCode = 0) const;
@@ -26,11 +32,6 @@ private:
 };
 
 namespace {
-
-QString text(const char* utf8)
-{
-    return QString::fromUtf8(utf8);
-}
 
 QString sample(const QString& name)
 {
@@ -87,6 +88,85 @@ void TestCommandSamples::everythingComesOut()
     const int present = static_cast<int>(
         QDir(target).entryList(QDir::Files | QDir::Hidden | QDir::System).size());
     QCOMPARE(present, static_cast<int>(files.size()));
+}
+
+void TestCommandSamples::everyStepSpeaks_data()
+{
+    everythingComesOut_data();
+    QTest::newRow("damaged") << text("damaged.pdf") << 3;
+}
+
+void TestCommandSamples::everyStepSpeaks()
+{
+    QFETCH(QString, name);
+    QFETCH(int, steps);
+    const QJsonArray shown = json({text("show"), sample(name)}).value(text("steps")).toArray();
+    QCOMPARE(static_cast<int>(shown.size()), steps);
+    int attributes = 0;
+    for (const auto& value : shown) {
+        const QJsonObject object = value.toObject();
+        const QJsonObject summary = object.value(text("summary")).toObject();
+        for (const char* field : {"time", "title", "tool", "user", "host", "command"})
+            QVERIFY2(!summary.value(text(field)).toString().isEmpty(), field);
+        attributes += static_cast<int>(summary.value(text("attributes")).toArray().size());
+        // Everything embedded is shown, once, and what is said to be embedded is.
+        QSet<int> ids;
+        for (const auto& file : object.value(text("files")).toArray()) {
+            const QJsonObject entry = file.toObject();
+            const QJsonValue id = entry.value(text("id"));
+            const QString path = entry.value(text("path")).toString();
+            if (id.isNull())
+                QVERIFY(!entry.value(text("embedded")).toBool() || path.contains(text("R&amp;D")));
+            else
+                ids.insert(id.toInt());
+        }
+        QCOMPARE(static_cast<int>(ids.size()), object.value(text("fileCount")).toInt());
+    }
+    if (name == text("report.pdf"))
+        QCOMPARE(attributes, 8);
+}
+
+void TestCommandSamples::soundOnesAreAllRight_data()
+{
+    everythingComesOut_data();
+}
+
+void TestCommandSamples::soundOnesAreAllRight()
+{
+    QFETCH(QString, name);
+    QFETCH(int, steps);
+    const QJsonObject counts =
+        json({text("verify"), sample(name)}).value(text("counts")).toObject();
+    QCOMPARE(counts.value(text("steps")).toInt(), steps);
+    QCOMPARE(counts.value(text("right")).toInt(), steps + counts.value(text("files")).toInt());
+    // The inner documents of one are no different.
+    if (name != text("nested.pdf"))
+        return;
+    const QString target = m_dir.path(text("inner"));
+    QCOMPARE(runTresk({text("extract"), text("--verify"), sample(name), text("1"), text("3"),
+                       text("-C"), target})
+                 .exitCode,
+             0);
+    const QJsonObject inner = json({text("verify"), target + text("/vibration-plot.pdf.tresk"),
+                                    target + text("/housing-drawing.pdf.tresk")});
+    QCOMPARE(inner.value(text("counts")).toObject().value(text("steps")).toInt(), 3);
+}
+
+void TestCommandSamples::damageIsTold()
+{
+    const QJsonObject verified = json({text("verify"), sample(text("damaged.pdf"))}, 1);
+    const QJsonObject only = verified.value(text("documents")).toArray()[0].toObject();
+    const auto statusesOf = [&only](const char* items) {
+        QStringList statuses;
+        for (const auto& item : only.value(text(items)).toArray())
+            statuses += item.toObject().value(text("status")).toString();
+        return statuses;
+    };
+    const QString right = text("right");
+    const QString differs = text("differs");
+    QCOMPARE(statusesOf("steps"), QStringList({differs, differs, right}));
+    QCOMPARE(statusesOf("files"),
+             QStringList({differs, right, text("brokenStream"), right, right, right}));
 }
 
 void TestCommandSamples::damageIsContained()

@@ -33,11 +33,6 @@ private:
 
 namespace {
 
-QString text(const char* utf8)
-{
-    return QString::fromUtf8(utf8);
-}
-
 const QByteArray clearLine = "\r\x1b[K";
 
 /// What is left on the terminal after the cleared lines are gone. Terminals get "\r\n" for

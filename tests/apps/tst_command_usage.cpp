@@ -64,7 +64,10 @@ void TestCommandUsage::wrongUsageIsExplained_data()
     row("--quiet=yes log", "unexpected value after '--quiet'; see 'tresk --help'");
     row("log", "log: no DOC given; see 'tresk log --help'");
     row("log --json", "log: no DOC given; see 'tresk log --help'");
-    row("log a.pdf b.pdf", "log: unexpected argument 'b.pdf'; see 'tresk log --help'");
+    row("show", "show: no DOC given; see 'tresk show --help'");
+    row("show a.pdf 1 2", "show: unexpected argument '2'; see 'tresk show --help'");
+    row("verify", "verify: no DOC given; see 'tresk verify --help'");
+    row("verify --jsonl a.pdf", "verify: unknown option '--jsonl'; see 'tresk verify --help'");
     row("log --frobnicate a.pdf", "log: unknown option '--frobnicate'; see 'tresk log --help'");
     row("log -C dir a.pdf", "log: unknown option '-C'; see 'tresk log --help'");
     row("log --oneline=3 a.pdf", "log: unexpected value after '--oneline'; see 'tresk log --help'");
@@ -105,7 +108,10 @@ void TestCommandUsage::generalHelpListsAll()
     const QList<QByteArray> lines = outcome.output.split('\n');
     QCOMPARE(lines.first(), QByteArray("Usage: tresk COMMAND [OPTION]... [ARGUMENT]..."));
     for (const char* line :
-         {"  log      list the steps of a document, newest first",
+         {"  log      list the steps of documents, newest first",
+          "  show     show what a step says of itself, in full",
+          "  verify   compare the checksums of documents with what is in them",
+          "  1    a checksum is wrong or missing, or what it is for damaged",
           "  files    list the embedded files of a document",
           "  cat      write the content of an embedded file to standard output",
           "  extract  write embedded files to disk", "  help     explain a command",
@@ -138,15 +144,22 @@ void TestCommandUsage::commandHelpHasManyForms_data()
     QTest::addColumn<QByteArray>("usage");
     QTest::addColumn<QStringList>("options");
 
-    QTest::newRow("log") << QStringLiteral("log") << QByteArray("Usage: tresk log [OPTION]... DOC")
-                         << words("--oneline --files --json");
+    QTest::newRow("log") << QStringLiteral("log")
+                         << QByteArray("Usage: tresk log [OPTION]... DOC...")
+                         << words("--oneline --files --json --jsonl");
+    QTest::newRow("show") << QStringLiteral("show")
+                          << QByteArray("Usage: tresk show [OPTION]... DOC [STEP]")
+                          << words("--json");
+    QTest::newRow("verify") << QStringLiteral("verify")
+                            << QByteArray("Usage: tresk verify [OPTION]... DOC...")
+                            << words("--json");
     QTest::newRow("files") << QStringLiteral("files")
                            << QByteArray("Usage: tresk files [OPTION]... DOC") << words("--json");
     QTest::newRow("cat") << QStringLiteral("cat")
                          << QByteArray("Usage: tresk cat [OPTION]... DOC FILE") << QStringList();
     QTest::newRow("extract") << QStringLiteral("extract")
                              << QByteArray("Usage: tresk extract [OPTION]... DOC [FILE]... -C DIR")
-                             << words("--directory=DIR --force --json");
+                             << words("--directory=DIR --force --verify --json");
     QTest::newRow("help") << QStringLiteral("help")
                           << QByteArray("Usage: tresk help [OPTION]... [COMMAND]") << QStringList();
 }
@@ -179,8 +192,8 @@ void TestCommandUsage::commandHelpHasManyForms()
 void TestCommandUsage::helpFitsTheTerminal_data()
 {
     QTest::addColumn<QStringList>("arguments");
-    for (const char* form :
-         {"help", "help log", "help files", "help cat", "help extract", "help help"})
+    for (const char* form : {"help", "help log", "help show", "help files", "help cat",
+                             "help extract", "help verify", "help help"})
         QTest::newRow(form) << words(form);
 }
 

@@ -15,10 +15,16 @@ foreach(example IN LISTS EXAMPLES)
     check_shown("${text}" ${example})
 endforeach()
 
-foreach(arguments "log|DOC" "log|--oneline|DOC" "cat|DOC|findings-017.csv")
+# Run where the reader is, so that paths in the output are the same.
+get_filename_component(folder "${README}" DIRECTORY)
+file(RELATIVE_PATH document "${folder}" "${DOCUMENT}")
+
+foreach(arguments
+        "log|DOC" "log|--oneline|DOC" "cat|DOC|findings-017.csv" "verify|DOC")
     string(REPLACE "|" ";" arguments "${arguments}")
-    list(TRANSFORM arguments REPLACE "^DOC$" "${DOCUMENT}")
+    list(TRANSFORM arguments REPLACE "^DOC$" "${document}")
     execute_process(COMMAND ${COMMAND} ${arguments}
+        WORKING_DIRECTORY "${folder}"
         OUTPUT_VARIABLE output COMMAND_ERROR_IS_FATAL ANY)
     check_shown("${output}" "the output of tresk ${arguments}")
 endforeach()

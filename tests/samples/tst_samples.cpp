@@ -6,6 +6,7 @@
 #include <DocumentWriter.h>
 #include <TestFiles.h>
 
+#include <tresk/SummaryCreator.h>
 #include <tresk/TreskParser.h>
 
 #include <QDir>
@@ -133,6 +134,8 @@ private Q_SLOTS:
     void everyChecksumIsRight();
     void everySectionEndsWithItsSummary_data() { addRows(); }
     void everySectionEndsWithItsSummary();
+    void libraryReadsTheSummaries_data();
+    void libraryReadsTheSummaries();
     void summariesAgreeWithTheMarkers_data();
     void summariesAgreeWithTheMarkers();
     void reportStoresFilesBothWays();
@@ -223,6 +226,53 @@ void SamplesTest::everySectionEndsWithItsSummary()
         const QByteArray summary = tresktest::summaryOf(parser, section);
         const QString title = unescaped(parser.getSection(section)->title).toHtmlEscaped();
         QVERIFY(summary.contains("<Title>" + title.toUtf8() + "</Title>"));
+    }
+}
+
+void SamplesTest::libraryReadsTheSummaries_data()
+{
+    summariesAgreeWithTheMarkers_data();
+}
+
+void SamplesTest::libraryReadsTheSummaries()
+{
+    QFETCH(QString, sample);
+    TreskParser parser;
+    QVERIFY(parser.open(samplePath(sample)));
+    const QList<tresk::Summary> summaries = tresk::SummaryCreator().createSummaries(parser);
+    QCOMPARE(static_cast<int>(summaries.size()), parser.getNumSections());
+    for (const tresk::Summary& summary : summaries) {
+        const auto expected = tresktest::parseSummary(tresktest::summaryOf(parser, summary.tagId));
+        QVERIFY(summary.fromXml);
+        QCOMPARE(summary.md5Signature, expected.signature);
+        const auto compare = [&expected](const char* element, const QString& value) {
+            QCOMPARE(value, expected.step.value(QLatin1String(element)));
+        };
+        compare("Timestamp", summary.timestamp);
+        compare("Title", summary.title);
+        compare("Description", summary.description);
+        compare("Command", summary.command);
+        compare("Tool", summary.tool);
+        compare("Host", summary.host);
+        compare("User", summary.user);
+        compare("TreskRootFile", summary.treskRootFile);
+        compare("PDFProducer", summary.pdfProducer);
+
+        // Each file that is said to be embedded is found in the order of the document.
+        QList<int> found;
+        QCOMPARE(summary.files.size(), expected.files.size());
+        for (int i = 0; i < summary.files.size(); ++i) {
+            QCOMPARE(summary.files[i].filename,
+                     expected.files[i].value(QStringLiteral("Filename")));
+            if (summary.files[i].embedded)
+                found.append(summary.files[i].tagId);
+        }
+        QList<int> ids;
+        const QList<FileTag> files = parser.getFilesInSection(summary.tagId);
+        for (const FileTag& file : files)
+            ids.append(file.id);
+        ids.removeLast();
+        QCOMPARE(found, ids);
     }
 }
 

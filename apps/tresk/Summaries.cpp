@@ -1,0 +1,152 @@
+#include "Summaries.h"
+
+#include "CommandLine.h"
+#include "Document.h"
+#include "StepFiles.h"
+#include "Text.h"
+
+#include <tresk/SummaryCreator.h>
+
+#include <algorithm>
+#include <vector>
+
+namespace tresk::cli {
+
+namespace {
+
+const QLatin1String inFile("InFile");
+const QLatin1String outFile("OutFile");
+const QLatin1String summaryName("ws_summary.xml");
+
+// Summaries name each file of each step; this many take some 300 MB.
+constexpr qint64 mostMemberships = 1000000;
+
+} // namespace
+
+Summaries::Summaries(Document& document, const StepFiles& stepFiles)
+    : m_document(document)
+    , m_stepFiles(stepFiles)
+{
+    if (stepFiles.memberships() <= mostMemberships)
+        m_summaries = SummaryCreator().createSummaries(document.parser());
+}
+
+const Summary& Summaries::of(const SectionTag& step) const
+{
+    static const Summary none;
+    return m_summaries.isEmpty() ? none : m_summaries[m_stepFiles.steps().size() - 1 - step.id];
+}
+
+QList<FileSummary> Summaries::filesOf(const SectionTag& step) const
+{
+    const QVector<int> embedded = m_stepFiles.filesIn(step);
+    std::vector<bool> named(static_cast<size_t>(m_stepFiles.files().size()), false);
+    QList<FileSummary> files;
+    for (const FileSummary& file : of(step).files) {
+        if (!isInput(file) && !isOutput(file))
+            continue;
+        files += file;
+        if (file.tagId >= 0)
+            named[static_cast<size_t>(file.tagId)] = true;
+    }
+    for (const int id : embedded) {
+        if (!named[static_cast<size_t>(id)])
+            files += makeFileSummaryFromFileTag(m_stepFiles.files()[id]);
+    }
+    return files;
+}
+
+QList<FileSummary> Summaries::filesWithoutStep() const
+{
+    QList<FileSummary> files;
+    for (const int id : m_stepFiles.filesWithoutStep())
+        files += makeFileSummaryFromFileTag(m_stepFiles.files()[id]);
+    return files;
+}
+
+QStringList Summaries::purposes() const
+{
+    QStringList result;
+    result.reserve(m_stepFiles.files().size());
+    for (const FileTag& file : m_stepFiles.files())
+        result += makeFileSummaryFromFileTag(file).filePurpose;
+    const QString undefined = FileSummary().filePurpose;
+    for (const Summary& summary : m_summaries) {
+        for (const FileSummary& file : summary.files) {
+            if (file.tagId >= 0 && result[file.tagId] == undefined)
+                result[file.tagId] = file.filePurpose;
+        }
+    }
+    return result;
+}
+
+void Summaries::warnOfMissing() const
+{
+    if (m_summaries.isEmpty()) {
+        m_document.warn(QStringLiteral("its steps share too many files, their summaries are not "
+                                       "read"));
+        return;
+    }
+    for (const SectionTag& step : m_stepFiles.steps()) {
+        if (of(step).fromXml)
+            continue;
+        const QVector<int> files = m_stepFiles.filesIn(step);
+        if (!files.isEmpty() && m_stepFiles.files()[files.last()].filename == summaryName)
+            m_document.warn(step, QStringLiteral("its summary document cannot be read"));
+    }
+}
+
+int checkRead(Document& document, const Summaries& summaries)
+{
+    summaries.warnOfMissing();
+    const bool whole = document.checkExtent();
+    return document.checkLength() && whole ? exitDone : exitTrouble;
+}
+
+bool isInput(const FileSummary& file)
+{
+    return file.filePurpose == inFile;
+}
+
+bool isOutput(const FileSummary& file)
+{
+    return file.filePurpose == outFile;
+}
+
+int countInputs(const QList<FileSummary>& files)
+{
+    return static_cast<int>(std::count_if(files.begin(), files.end(), isInput));
+}
+
+int countOutputs(const QList<FileSummary>& files)
+{
+    return static_cast<int>(std::count_if(files.begin(), files.end(), isOutput));
+}
+
+QString purposeText(const QString& filePurpose)
+{
+    if (filePurpose == inFile)
+        return QStringLiteral("in");
+    return filePurpose == outFile ? QStringLiteral("out") : QStringLiteral("-");
+}
+
+QString titleOf(const SectionTag& step, const Summary& summary)
+{
+    if (summary.fromXml && !summary.title.isEmpty())
+        return printable(summary.title);
+    return step.title.isEmpty() ? QStringLiteral("<no title>") : shown(step.title);
+}
+
+QString nameOf(const FileSummary& file)
+{
+    return file.tagId >= 0 ? shown(file.filename) : printable(file.filename);
+}
+
+QString userAndHost(const Summary& summary)
+{
+    if (summary.host.isEmpty())
+        return printable(summary.user);
+    return printable(summary.user) + QLatin1Char('@') + printable(summary.host);
+}
+
+} // namespace tresk::cli

@@ -1,0 +1,28 @@
+#ifndef TRESK_TESTS_APPS_SUMMARYXML_H
+#define TRESK_TESTS_APPS_SUMMARYXML_H
+
+#include <DocumentWriter.h>
+
+#include <QByteArray>
+
+namespace tresktest {
+
+/// An element with that content, as it stands.
+QByteArray element(const char* name, const QByteArray& content);
+
+/// An input ("InFile") or output ("OutFile") that describes @p file just as its marker does.
+/// @p more stands behind that.
+QByteArray fileElement(const char* purpose, const FileSpec& file, bool embedded = true,
+                       const QByteArray& more = QByteArray());
+
+/// A user attribute; without a unit if it is empty.
+QByteArray attribute(const char* name, const char* value, const char* unit = "");
+
+/// The summary document of a step whose "Workflowstep" element has that content.
+FileSpec summaryWith(const QByteArray& step);
+/// A summary document of just these bytes.
+FileSpec summaryOf(const QByteArray& bytes);
+
+} // namespace tresktest
+
+#endif
