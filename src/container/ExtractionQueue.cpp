@@ -40,13 +40,14 @@ void ExtractionQueue::addExtractees(const QHash<int, QString>& targets)
 {
     if (!m_parser)
         return;
-    const QList<FileTag> files = m_parser->getFiles();
-    for (const FileTag& file : files) {
-        const auto target = targets.constFind(file.id);
-        if (target == targets.constEnd())
+    QList<int> ids = targets.keys();
+    std::sort(ids.begin(), ids.end()); // the order of the document
+    for (const int id : qAsConst(ids)) {
+        const QSharedPointer<FileTag> file = m_parser->getFile(id);
+        if (!file)
             continue;
-        Extractee entry = extracteeFromFile(file);
-        entry.target = *target;
+        Extractee entry = extracteeFromFile(*file);
+        entry.target = targets.value(id);
         m_queue.append(entry);
         m_total += entry.length;
     }
