@@ -3,6 +3,7 @@
 
 /// The whole public interface of the library.
 #include <tresk/BinaryDir.h>
+#include <tresk/ConjunctiveNormalForm.h>
 #include <tresk/Export.h>
 #include <tresk/ExtractionQueue.h>
 #include <tresk/FileHash.h>
@@ -10,10 +11,12 @@
 #include <tresk/Inflater.h>
 #include <tresk/LogSource.h>
 #include <tresk/MD5Generator.h>
+#include <tresk/QueryError.h>
 #include <tresk/StopWatch.h>
 #include <tresk/Summary.h>
 #include <tresk/SummaryCreator.h>
 #include <tresk/SummaryReader.h>
+#include <tresk/TreskFindQuery.h>
 #include <tresk/TreskParser.h>
 #include <tresk/Tripple.h>
 #include <tresk/ValidationQueue.h>
