@@ -2,6 +2,7 @@
 
 #include "DocumentWriter.h"
 
+#include <QDir>
 #include <QFile>
 #include <QTemporaryDir>
 
@@ -221,26 +222,56 @@ QString summaryDocument(int files)
     return summaryAround(entries);
 }
 
-QString writeSummaryHistory(const QString& name, int steps)
+namespace {
+
+/// Appends steps with two files, a comment and a summary each.
+void writeSteps(DocumentWriter& document, int steps, const QString& comment, bool deflated)
 {
-    DocumentWriter document;
-    document.write("%PDF-1.4\n");
-    document.writeHeader();
+    const QString summaryName = QStringLiteral("ws_summary.xml");
     for (int i = 0; i < steps; ++i) {
         const QByteArray in = "input " + QByteArray::number(i);
         const QByteArray out = "output " + QByteArray::number(i);
         const QString summary = summaryAround(
-            fileElement(QStringLiteral("InFile"), QStringLiteral("in.txt"), in)
+            element(QStringLiteral("Comment"), comment)
+            + fileElement(QStringLiteral("InFile"), QStringLiteral("in.txt"), in)
             + fileElement(QStringLiteral("OutFile"), QStringLiteral("out.txt"), out));
         SectionSpec step;
         step.title = QStringLiteral("step %1").arg(i);
         step.files = {FileSpec::plain(QStringLiteral("in.txt"), in),
                       FileSpec::plain(QStringLiteral("out.txt"), out),
-                      FileSpec::flate(QStringLiteral("ws_summary.xml"), summary.toUtf8())};
+                      deflated ? FileSpec::flate(summaryName, summary.toUtf8())
+                               : FileSpec::plain(summaryName, summary.toUtf8())};
         document.writeSection(step);
     }
+}
+
+} // namespace
+
+QString writeSummaryHistory(const QString& name, int steps)
+{
+    DocumentWriter document;
+    document.write("%PDF-1.4\n");
+    document.writeHeader();
+    writeSteps(document, steps, {}, true);
     save(dataPath(name), document.bytes());
     return dataPath(name);
+}
+
+QString writeFolder(const QString& name, int count)
+{
+    const QString folder = dataPath(name);
+    QDir().mkpath(folder);
+    const QByteArray host = hostBytes(mebibyte);
+    for (int i = 0; i < count; ++i) {
+        DocumentWriter document;
+        document.write("%PDF-1.4\n");
+        document.writeHeader();
+        document.write(host);
+        document.endLine();
+        writeSteps(document, 5, i == count - 1 ? QStringLiteral("resonance") : QString(), false);
+        save(folder + QStringLiteral("/%1.pdf").arg(i, 4, 10, QLatin1Char('0')), document.bytes());
+    }
+    return folder;
 }
 
 } // namespace treskbench

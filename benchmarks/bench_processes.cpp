@@ -3,6 +3,7 @@
 #include "Data.h"
 #include "PairedRuns.h"
 
+#include <QDir>
 #include <QFile>
 
 using namespace treskbench;
@@ -52,6 +53,20 @@ void validation(benchmark::State& state)
     QFile::remove(QString::fromStdString(path));
 }
 BENCHMARK(validation)->Name("validation of a stored file / md5sum")->UseManualTime()->Iterations(7);
+
+void findWord(benchmark::State& state)
+{
+    const int count = std::max(largestMebibytes(), 10);
+    const std::string folder = writeFolder(QStringLiteral("folder"), count).toStdString();
+    const std::string word = "resonance";
+    runPairs(state, wholeProcess({TRESK_COMMAND, "find", word, folder}),
+             wholeProcess({"env", "LC_ALL=C", "grep", "-a", "-l", "-r", word, folder}));
+    QDir(QString::fromStdString(folder)).removeRecursively();
+}
+BENCHMARK(findWord)
+    ->Name("find in 1000 documents of 1 MiB / grep of the word")
+    ->UseManualTime()
+    ->Iterations(7);
 
 /// Fifty runs at a time: one is too short for the clock of the processes.
 Timed often(const Timed& once)

@@ -13,6 +13,7 @@ namespace tresk::cli {
 Command catCommand();
 Command extractCommand();
 Command filesCommand();
+Command findCommand();
 Command helpCommand();
 Command logCommand();
 Command showCommand();

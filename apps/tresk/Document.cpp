@@ -63,21 +63,7 @@ Document::~Document()
 
 bool Document::open(const QString& path)
 {
-    m_name = path;
-    const QString problem = problemWithFile();
-    if (!problem.isEmpty())
-        return refuse(problem);
-    // The parser wants a path that Qt can encode; the open file has one.
-    const QString parserPath = isUndecoded(path) ? QStringLiteral("/dev/fd/%1").arg(m_fd) : path;
-    if (!m_parser.open(parserPath)) {
-        return refuseWithoutHistory(
-            QStringLiteral("has no history: none of its first 10 lines is a history header"));
-    }
-    if (m_parser.getNumSections() == 0 && m_parser.getNumFiles() == 0) {
-        return refuseWithoutHistory(
-            QStringLiteral("has an empty history: neither steps nor embedded files"));
-    }
-    return true;
+    return openQuietly(path) || refuse(m_problem);
 }
 
 bool Document::openWithSteps(const QString& path)
@@ -86,9 +72,30 @@ bool Document::openWithSteps(const QString& path)
         return false;
     if (m_parser.getNumSections() > 0)
         return true;
-    return refuseWithoutHistory(
-        QStringLiteral("has no history: no step is left in it, only %1")
-            .arg(counted(m_parser.getNumFiles(), QStringLiteral("embedded file"))));
+    m_lacksHistory = true;
+    return refuse(QStringLiteral("has no history: no step is left in it, only %1")
+                      .arg(counted(m_parser.getNumFiles(), QStringLiteral("embedded file"))));
+}
+
+bool Document::openQuietly(const QString& path)
+{
+    m_name = path;
+    m_problem = problemWithFile();
+    if (!m_problem.isEmpty())
+        return false;
+    if (!m_parser.open(parserPath()))
+        m_problem = QStringLiteral(
+            "has no history: none of its first 10 lines is a history header");
+    else if (m_parser.getNumSections() == 0 && m_parser.getNumFiles() == 0)
+        m_problem = QStringLiteral("has an empty history: neither steps nor embedded files");
+    m_lacksHistory = !m_problem.isEmpty();
+    return m_problem.isEmpty();
+}
+
+QString Document::parserPath() const
+{
+    // The open file has another one.
+    return isUndecoded(m_name) ? QStringLiteral("/dev/fd/%1").arg(m_fd) : m_name;
 }
 
 QByteArray Document::bytes(qint64 pos, int length)
@@ -153,12 +160,15 @@ bool Document::checkChain() const
     return false;
 }
 
-bool Document::checkLength()
+bool Document::isWhole() const
 {
     struct stat status = {};
-    if (fstat(m_fd, &status) == 0 && status.st_size >= m_size)
-        return true;
-    return refuse(QStringLiteral("has become shorter while it was read"));
+    return fstat(m_fd, &status) == 0 && status.st_size >= m_size;
+}
+
+bool Document::checkLength()
+{
+    return isWhole() || refuse(QStringLiteral("has become shorter while it was read"));
 }
 
 bool Document::refuse(const QString& problem)
@@ -168,10 +178,10 @@ bool Document::refuse(const QString& problem)
     return false;
 }
 
-bool Document::refuseWithoutHistory(const QString& problem)
+QString Document::unfit(const QString& problem)
 {
-    m_lacksHistory = true;
-    return refuse(problem);
+    m_isUnfit = true;
+    return problem;
 }
 
 /// Opens the file and says why it cannot be a document; nothing if it can.
@@ -185,13 +195,13 @@ QString Document::problemWithFile()
     if (m_fd == -1 || fstat(m_fd, &status) != 0)
         return systemError(errno);
     if (S_ISDIR(status.st_mode))
-        return QStringLiteral("is a directory");
+        return unfit(QStringLiteral("is a directory"));
     if (!S_ISREG(status.st_mode))
-        return QStringLiteral("is not a regular file");
+        return unfit(QStringLiteral("is not a regular file"));
     if (status.st_size == 0)
-        return QStringLiteral("is empty");
+        return unfit(QStringLiteral("is empty"));
     if (status.st_size > std::numeric_limits<int>::max())
-        return QStringLiteral("has 2 GiB or more, which is not supported");
+        return unfit(QStringLiteral("has 2 GiB or more, which is not supported"));
     char byte = 0;
     if (pread(m_fd, &byte, 1, 0) == -1)
         return systemError(errno);

@@ -18,14 +18,20 @@ public:
     bool open(const QString& path);
     /// The same for commands that are about steps: embedded files alone are no history then.
     bool openWithSteps(const QString& path);
+    /// Does what open() does, but reports nothing; see problem().
+    bool openQuietly(const QString& path);
 
     /// What was reported when the document could not be opened, or not be read to its end.
     const QString& problem() const { return m_problem; }
     /// Whether the reason was that the file, a sound one, has no history in it.
     bool lacksHistory() const { return m_lacksHistory; }
+    /// Whether the reason was what the file is: a device, a directory, empty or too large.
+    bool isUnfit() const { return m_isUnfit; }
 
     /// The path as the user gave it.
     const QString& name() const { return m_name; }
+    /// A path that Qt can encode; good as long as the document lives.
+    QString parserPath() const;
     qint64 size() const { return m_size; }
     const TreskParser& parser() const { return m_parser; }
     TreskParser& parser() { return m_parser; }
@@ -49,21 +55,24 @@ public:
     bool checkExtent() const;
     /// Reports a history that does not lead back to its first step.
     bool checkChain() const;
-    /// Reports a document that has become shorter since it was opened.
+    /// Whether the document is still as long as it was when it was opened.
+    bool isWhole() const;
+    /// Reports a document that has become shorter since.
     bool checkLength();
 
 private:
     Q_DISABLE_COPY(Document)
 
     QString problemWithFile();
+    QString unfit(const QString& problem);
     bool refuse(const QString& problem);
-    bool refuseWithoutHistory(const QString& problem);
 
     QString m_name;
     int m_fd = -1;
     qint64 m_size = 0;
     QString m_problem;
     bool m_lacksHistory = false;
+    bool m_isUnfit = false;
     TreskParser m_parser;
 };
 

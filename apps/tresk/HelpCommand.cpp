@@ -12,7 +12,7 @@ const char* const introduction =
 const char* const exitCodes =
     "Exit codes:\n"
     "  0    done\n"
-    "  1    a checksum is wrong or missing, or what it is for damaged\n"
+    "  1    a checksum is wrong or missing, or what it is for damaged; nothing found\n"
     "  2    trouble: wrong usage, a document that cannot be read or is damaged,\n"
     "       a file that could not be written\n"
     "  129, 130, 143\n"

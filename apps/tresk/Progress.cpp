@@ -1,29 +1,16 @@
 #include "Progress.h"
 
-#include "Messages.h"
-#include "Output.h"
 #include "Text.h"
 
 #include <algorithm>
 #include <cmath>
-#include <sys/ioctl.h>
-#include <unistd.h>
 
 namespace tresk::cli {
 
 namespace {
 
 constexpr int barWidth = 20;
-constexpr int millisecondsBetween = 100;
 constexpr int millisecondsUntilSpeed = 250; // before, it says little
-
-int terminalWidth()
-{
-    winsize size = {};
-    if (ioctl(STDERR_FILENO, TIOCGWINSZ, &size) == 0 && size.ws_col > 0)
-        return size.ws_col;
-    return 80;
-}
 
 /// A duration as hours, minutes and seconds: "0:07", "1:02:30".
 QString clockText(qint64 seconds)
@@ -38,42 +25,25 @@ QString clockText(qint64 seconds)
     return QString::number(minutes / 60) + QLatin1Char(':') + twoDigits(minutes % 60) + rest;
 }
 
-void writeToTerminal(const QString& text)
-{
-    const QByteArray bytes = text.toUtf8();
-    writeFully(STDERR_FILENO, bytes.constData(), bytes.size());
-}
-
 } // namespace
 
 Progress::Progress(qint64 total)
     : m_total(total)
-    , m_enabled(verbosity() != Verbosity::Quiet && isatty(STDERR_FILENO) == 1
-                && qgetenv("TERM") != "dumb")
 {
     m_sinceStart.start();
 }
 
-Progress::~Progress()
-{
-    clear();
-}
-
 void Progress::show(qint64 done, const QString& what)
 {
-    if (!m_enabled || (m_sinceShown.isValid() && m_sinceShown.elapsed() < millisecondsBetween))
+    if (!m_line.isDue())
         return;
-    m_sinceShown.start();
     const double share = m_total > 0 ? double(done) / double(m_total) : 1;
     const int filled = std::clamp(static_cast<int>(share * barWidth), 0, barWidth);
     const QString bar = QString(filled, QLatin1Char('#')).leftJustified(barWidth, QLatin1Char('.'));
     const int percent = std::clamp(static_cast<int>(share * 100), 0, 100);
-    const QString line = QStringLiteral("[%1] %2%  %3%4")
-                             .arg(bar, QString::number(percent).rightJustified(3), speed(done),
-                                  printable(what));
-    // The last column stays free: some terminals wrap as soon as it is taken.
-    writeToTerminal(QStringLiteral("\r\x1b[K") + cutToWidth(line, terminalWidth() - 1));
-    m_shown = true;
+    m_line.show(
+        QStringLiteral("[%1] %2%  %3%4")
+            .arg(bar, QString::number(percent).rightJustified(3), speed(done), printable(what)));
 }
 
 /// "95.3 MiB/s  0:07 left  ", or nothing as long as nothing can be told.
@@ -86,13 +56,6 @@ QString Progress::speed(qint64 done) const
     const double secondsLeft = double(std::max<qint64>(0, m_total - done)) / rate;
     return QStringLiteral("%1/s  %2 left  ")
         .arg(humanSize(qint64(rate)), clockText(qint64(std::ceil(secondsLeft))));
-}
-
-void Progress::clear()
-{
-    if (m_shown)
-        writeToTerminal(QStringLiteral("\r\x1b[K"));
-    m_shown = false;
 }
 
 } // namespace tresk::cli

@@ -1,6 +1,8 @@
 #ifndef TRESK_APPS_PROGRESS_H
 #define TRESK_APPS_PROGRESS_H
 
+#include "StatusLine.h"
+
 #include <QElapsedTimer>
 #include <QString>
 
@@ -13,13 +15,12 @@ class Progress {
 public:
     /// For a job of @p total bytes that begins now.
     explicit Progress(qint64 total);
-    ~Progress();
 
     /// Shows that @p done bytes of the total are done and @p what is being worked on. Most calls do
     /// nothing, so it may be called often.
     void show(qint64 done, const QString& what);
     /// Takes the line away, to make room for something else.
-    void clear();
+    void clear() { m_line.clear(); }
 
 private:
     Q_DISABLE_COPY(Progress)
@@ -27,10 +28,8 @@ private:
     QString speed(qint64 done) const;
 
     qint64 m_total;
-    bool m_enabled;
-    bool m_shown = false;
+    StatusLine m_line;
     QElapsedTimer m_sinceStart;
-    QElapsedTimer m_sinceShown;
 };
 
 } // namespace tresk::cli

@@ -18,8 +18,7 @@ const QLatin1String inFile("InFile");
 const QLatin1String outFile("OutFile");
 const QLatin1String summaryName("ws_summary.xml");
 
-// Summaries name each file of each step; this many take some 300 MB.
-constexpr qint64 mostMemberships = 1000000;
+constexpr qint64 mostMemberships = 1000000; // which take some 300 MB
 
 } // namespace
 
@@ -27,7 +26,7 @@ Summaries::Summaries(Document& document, const StepFiles& stepFiles)
     : m_document(document)
     , m_stepFiles(stepFiles)
 {
-    if (stepFiles.memberships() <= mostMemberships)
+    if (!shareTooManyFiles(stepFiles))
         m_summaries = SummaryCreator().createSummaries(document.parser());
 }
 
@@ -96,6 +95,11 @@ void Summaries::warnOfMissing() const
     }
 }
 
+bool shareTooManyFiles(const StepFiles& stepFiles)
+{
+    return stepFiles.memberships() > mostMemberships;
+}
+
 int checkRead(Document& document, const Summaries& summaries)
 {
     summaries.warnOfMissing();
@@ -142,11 +146,11 @@ QString nameOf(const FileSummary& file)
     return file.tagId >= 0 ? shown(file.filename) : printable(file.filename);
 }
 
-QString userAndHost(const Summary& summary)
+QString userAndHost(const Workflowstep& step)
 {
-    if (summary.host.isEmpty())
-        return printable(summary.user);
-    return printable(summary.user) + QLatin1Char('@') + printable(summary.host);
+    if (step.host.isEmpty())
+        return printable(step.user);
+    return printable(step.user) + QLatin1Char('@') + printable(step.host);
 }
 
 } // namespace tresk::cli

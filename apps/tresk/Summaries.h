@@ -41,6 +41,10 @@ private:
     QList<Summary> m_summaries; ///< oldest first; empty if they were left out
 };
 
+/// Whether the steps share so many files that their summaries, which name each file of each step,
+/// would take too much memory.
+bool shareTooManyFiles(const StepFiles& stepFiles);
+
 /// Reports what reading the document and its summaries has shown: warns of summaries that
 /// cannot be read, and reports a document that has lost its end. Returns the exit code.
 int checkRead(Document& document, const Summaries& summaries);
@@ -62,7 +66,7 @@ QString titleOf(const SectionTag& step, const Summary& summary);
 /// The name of the file, likewise. That of an embedded file is a marker's.
 QString nameOf(const FileSummary& file);
 /// Who did it, and where: "user@host", or what there is of it; empty if nothing is known.
-QString userAndHost(const Summary& summary);
+QString userAndHost(const Workflowstep& step);
 
 } // namespace tresk::cli
 

@@ -2,12 +2,15 @@
 
 #include <TestFiles.h>
 
+#include <tresk/TreskFindQuery.h>
+
 #include <QFile>
+#include <QRegularExpression>
 #include <QtTest>
 
 using namespace tresktest;
 
-/// Whether the examples in the manual of the command are what it prints.
+/// Whether what users read about the command is true.
 class TestCommandManual : public QObject {
     Q_OBJECT
 
@@ -15,6 +18,9 @@ private Q_SLOTS:
     void initTestCase();
     void exampleIsReal_data();
     void exampleIsReal();
+    void allAttributesAreListed();
+    void attributeHasItsType_data();
+    void attributeHasItsType();
 
 private:
     TestDir m_dir;
@@ -43,6 +49,24 @@ QVector<Example> examplesIn(const QString& text)
     return examples;
 }
 
+/// The attributes in the table of the query language, each with its type.
+QVector<QStringList> listedAttributes()
+{
+    const QByteArray manual = readFile(QStringLiteral(TRESK_SOURCE_DIR "/docs/query.md"));
+    const QRegularExpression row(text("^\\| `([^`]+)` \\|[^|]*\\|[^|]*\\| (\\w[\\w ]*) \\|$"),
+                                 QRegularExpression::MultilineOption);
+    QVector<QStringList> attributes;
+    auto rows = row.globalMatch(QString::fromUtf8(manual));
+    while (rows.hasNext())
+        attributes += rows.next().capturedTexts().mid(1);
+    return attributes;
+}
+
+bool isValid(const QString& query, const QString& attribute)
+{
+    return tresk::TreskFindQuery(query.arg(attribute)).isValid();
+}
+
 } // namespace
 
 void TestCommandManual::initTestCase()
@@ -56,11 +80,15 @@ void TestCommandManual::exampleIsReal_data()
     QTest::addColumn<QString>("command");
     QTest::addColumn<QString>("output");
 
-    const QByteArray manual = readFile(QStringLiteral(TRESK_SOURCE_DIR "/docs/command-line.md"));
-    const QVector<Example> examples = examplesIn(QString::fromUtf8(manual));
-    QVERIFY(examples.size() >= 5);
-    for (const Example& example : examples)
-        QTest::newRow(qPrintable(example.command)) << example.command << example.output;
+    for (const char* name : {"command-line.md", "query.md"}) {
+        const QString path = QStringLiteral(TRESK_SOURCE_DIR "/docs/") + text(name);
+        const QVector<Example> examples = examplesIn(QString::fromUtf8(readFile(path)));
+        QVERIFY(examples.size() >= 10);
+        for (const Example& example : examples) {
+            const QString row = text(name) + text(": ") + example.command;
+            QTest::newRow(qPrintable(row)) << example.command << example.output;
+        }
+    }
 }
 
 void TestCommandManual::exampleIsReal()
@@ -68,10 +96,46 @@ void TestCommandManual::exampleIsReal()
     QFETCH(QString, command);
     QFETCH(QString, output);
     // The examples follow each other in one directory, as the reader sees them.
-    const QString script = QStringLiteral("bin=$1; tresk() { \"$bin\" \"$@\"; }; exec 2>&1; ");
+    const QString script = QStringLiteral("PATH=$(dirname \"$1\"):$PATH; exec 2>&1; ");
     const Outcome outcome =
         Command({}).inDirectory(m_dir.path(QString())).inShell(script + command).run();
     QCOMPARE(QString::fromUtf8(outcome.output), output);
+}
+
+void TestCommandManual::allAttributesAreListed()
+{
+    QStringList names;
+    for (const QStringList& attribute : listedAttributes())
+        names += attribute.first();
+    names.sort();
+    const QString expected = text(
+        "any cfilesize cmd5 command comment compressed creator description embedded filename "
+        "filepath filepurpose filesize filetype hash host isfile isinfile isoutfile iswfs "
+        "lastmodified md5 parentid tagid timestamp title tool toolpath treskrootfile user "
+        "userattrs user{NAME}");
+    QCOMPARE(names.join(QLatin1Char(' ')), expected);
+}
+
+void TestCommandManual::attributeHasItsType_data()
+{
+    QTest::addColumn<QString>("attribute");
+    QTest::addColumn<QString>("type");
+    for (const QStringList& attribute : listedAttributes())
+        QTest::newRow(qPrintable(attribute.first())) << attribute.first() << attribute.last();
+}
+
+void TestCommandManual::attributeHasItsType()
+{
+    QFETCH(QString, attribute);
+    QFETCH(QString, type);
+    QVERIFY(isValid(text(":%1 == x"), attribute));
+    QCOMPARE(isValid(text("!:%1"), attribute), type == text("yes or no"));
+    QCOMPARE(isValid(text(":%1 %contains x"), attribute), type != text("yes or no"));
+    QCOMPARE(isValid(text(":%1 < :filesize"), attribute), type == text("number"));
+    QCOMPARE(isValid(text(":%1 %isapprox 5"), attribute), type == text("number"));
+    QCOMPARE(isValid(text(":%1 < :timestamp"), attribute), type == text("date"));
+    QVERIFY(QStringList({text("yes or no"), text("text"), text("number"), text("date")})
+                .contains(type));
 }
 
 QTEST_GUILESS_MAIN(TestCommandManual)

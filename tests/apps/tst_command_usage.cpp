@@ -75,6 +75,9 @@ void TestCommandUsage::wrongUsageIsExplained_data()
         "log: 'blue' is none of auto, always and never; see 'tresk log --help'");
     row("log --color= a.pdf", "log: '' is none of auto, always and never; see 'tresk log --help'");
     row("log a.pdf --color", "log: missing value after '--color'; see 'tresk log --help'");
+    row("find", "find: no QUERY given; see 'tresk find --help'");
+    row("find word", "find: no DOC or DIR given; see 'tresk find --help'");
+    row("finde word", "unknown command 'finde'; did you mean 'find'? See 'tresk --help'");
     row("files", "files: no DOC given; see 'tresk files --help'");
     row("files a.pdf 1", "files: unexpected argument '1'; see 'tresk files --help'");
     row("cat", "cat: no DOC given; see 'tresk cat --help'");
@@ -111,7 +114,8 @@ void TestCommandUsage::generalHelpListsAll()
          {"  log      list the steps of documents, newest first",
           "  show     show what a step says of itself, in full",
           "  verify   compare the checksums of documents with what is in them",
-          "  1    a checksum is wrong or missing, or what it is for damaged",
+          "  find     find the documents in which something was done",
+          "  1    a checksum is wrong or missing, or what it is for damaged; nothing found",
           "  files    list the embedded files of a document",
           "  cat      write the content of an embedded file to standard output",
           "  extract  write embedded files to disk", "  help     explain a command",
@@ -153,6 +157,9 @@ void TestCommandUsage::commandHelpHasManyForms_data()
     QTest::newRow("verify") << QStringLiteral("verify")
                             << QByteArray("Usage: tresk verify [OPTION]... DOC...")
                             << words("--json");
+    QTest::newRow("find") << QStringLiteral("find")
+                          << QByteArray("Usage: tresk find [OPTION]... QUERY DOC|DIR...")
+                          << words("--null --count --bindings --json --jsonl");
     QTest::newRow("files") << QStringLiteral("files")
                            << QByteArray("Usage: tresk files [OPTION]... DOC") << words("--json");
     QTest::newRow("cat") << QStringLiteral("cat")
@@ -193,7 +200,7 @@ void TestCommandUsage::helpFitsTheTerminal_data()
 {
     QTest::addColumn<QStringList>("arguments");
     for (const char* form : {"help", "help log", "help show", "help files", "help cat",
-                             "help extract", "help verify", "help help"})
+                             "help extract", "help verify", "help find", "help help"})
         QTest::newRow(form) << words(form);
 }
 
