@@ -69,9 +69,10 @@ public Q_SLOTS:
 Q_SIGNALS:
     /// Embedded file @p id has been written or, not @p valid, has failed.
     void fileProcessed(int id, bool valid);
-    /// @p percent of all stored bytes queued since the queue was last empty are done,
-    /// rounded towards 0; @p filename is the path of the target, empty with an empty queue.
-    /// The smallest int where the bytes queued add up to 0; do not rely on it.
+    /// @p percent of all stored bytes queued are done, rounded towards 0, counted since a step
+    /// of this kind last found the queue empty; @p filename is the path of the target, empty
+    /// with an empty queue. The smallest int where the bytes queued add up to 0; do not rely on
+    /// it.
     void percentFinishedChanged(int percent, QString filename);
 
 private:

@@ -26,7 +26,8 @@ public:
     /// that is said to be embedded gets the id of the embedded file of the section that has its
     /// name, checksum and size, or keeps -1. Each embedded file is given away once; among
     /// several the one that agrees best in the other fields is taken. Otherwise the section's
-    /// markers are the source.
+    /// markers are the source. (A summary document without a step in it names no files; such a
+    /// summary gets all embedded files of the newest section.)
     ///
     /// Files that belong to no section follow, where there are any, in one more summary titled
     /// "<unmatched files>", with `tagId` 0.

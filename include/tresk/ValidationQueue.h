@@ -108,6 +108,7 @@ Q_SIGNALS:
 
 private:
     void reinit(TreskParser* parser);
+    void forgetProgress();
     void append(const Validatee& validatee);
     static Validatee validateeFromFile(const FileTag& file);
     static Validatee validateeFromSection(const SectionTag& section);

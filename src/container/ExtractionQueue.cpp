@@ -42,6 +42,7 @@ void ExtractionQueue::addExtractees(const QHash<int, QString>& targets)
         return;
     QList<int> ids = targets.keys();
     std::sort(ids.begin(), ids.end()); // the order of the document
+    ids.erase(std::unique(ids.begin(), ids.end()), ids.end());
     for (const int id : qAsConst(ids)) {
         const QSharedPointer<FileTag> file = m_parser->getFile(id);
         if (!file)

@@ -25,7 +25,7 @@ enum ValidateeType {
 
 QSet<int> setOf(const QList<int>& ids)
 {
-    return QSet<int>(ids.begin(), ids.end());
+    return {ids.begin(), ids.end()};
 }
 
 /// Whether the place @p offset bytes into the section @p entry is that of its marker.
@@ -113,18 +113,25 @@ bool ValidationQueue::process()
             finishEntry(entry);
     }
     Q_EMIT percentFinishedChanged(percentage(m_processed, m_total), name);
-    if (m_queue.isEmpty())
-        cancelValidation();
+    if (m_queue.isEmpty()) {
+        m_stopWatch.stop(true);
+        forgetProgress();
+    }
     return !m_queue.isEmpty();
 }
 
 void ValidationQueue::cancelValidation()
 {
     m_queue.clear();
+    forgetProgress();
+    m_stopWatch.stop(true);
+}
+
+void ValidationQueue::forgetProgress()
+{
     m_offset = 0;
     m_total = 0;
     m_processed = 0;
-    m_stopWatch.stop(true);
 }
 
 void ValidationQueue::append(const Validatee& validatee)

@@ -1,5 +1,7 @@
 #include "query/GroupSearch.h"
 
+#include "query/RecordMatching.h"
+
 #include <algorithm>
 
 namespace tresk {
@@ -11,6 +13,7 @@ namespace {
 constexpr std::size_t mostKept = 2000000;
 /// So many failures are remembered; there are few different ones, but for odd queries.
 constexpr std::size_t mostFailures = 64;
+constexpr std::size_t mostScarce = 64;
 
 } // namespace
 
@@ -62,11 +65,13 @@ bool GroupSearch::run()
 {
     if (m_levels.empty())
         return true;
-    if (!prepare())
+    if (!prepare() || !findScarce() || !leaveEnough(0))
         return false;
     std::size_t level = 0;
     for (;;) {
         if (advance(m_levels[level])) {
+            if (!leaveEnough(level + 1))
+                continue;
             if (++level == m_levels.size())
                 return true;
         } else if (level-- == 0) {
@@ -98,6 +103,33 @@ bool GroupSearch::prepare()
         level.candidates = std::move(candidates);
     }
     return true;
+}
+
+/// Finds the names that may be short of records; false if there are not enough records at all.
+bool GroupSearch::findScarce()
+{
+    const auto exclusive = std::size_t(std::count_if(
+        m_levels.begin(), m_levels.end(), [](const Level& level) { return level.isExclusive; }));
+    for (std::size_t i = 0; i < m_levels.size(); ++i) {
+        const Level& level = m_levels[i];
+        if (level.isExclusive && level.candidates && level.candidates->size() < exclusive)
+            m_scarce.push_back(i);
+    }
+    if (m_scarce.size() > mostScarce)
+        m_scarce.clear();
+    return exclusive <= m_records.size();
+}
+
+/// Whether the names from level @p from on can all have records of their own, as far as each is
+/// known by itself.
+bool GroupSearch::leaveEnough(std::size_t from) const
+{
+    std::vector<const std::vector<int>*> candidates;
+    for (const std::size_t i : m_scarce) {
+        if (i >= from)
+            candidates.push_back(&*m_levels[i].candidates);
+    }
+    return haveOwnRecords(candidates, m_held);
 }
 
 void GroupSearch::keepValues(const Level& level, std::size_t& kept) const

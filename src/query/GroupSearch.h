@@ -18,7 +18,8 @@ enum class SharedRecords { Allowed, NotAllowed };
 ///
 /// Of the records with which a name cannot lead to an answer most are known beforehand: where no
 /// more literals hold with a record than with one that has failed, it fails, too. (A name that is
-/// compared with a later one is left out of this, since there the record itself counts.)
+/// compared with a later one is left out of this, since there the record itself counts.) And a
+/// record is not given to a name where the later ones would not all find one of their own.
 class GroupSearch {
 public:
     /// @p chosen has the record of each name of the plan. All of them must outlive the object.
@@ -59,7 +60,9 @@ private:
 
     void addJoint(PlannedDisjunction& disjunction);
     Level& levelOf(int name);
+    bool leaveEnough(std::size_t from) const;
     bool prepare();
+    bool findScarce();
     void keepValues(const Level& level, std::size_t& kept) const;
     bool advance(Level& level);
     void takeBack(Level& level);
@@ -72,6 +75,9 @@ private:
     std::vector<int>& m_chosen;
     std::vector<bool> m_held; ///< by record: an exclusive name has it
     std::vector<Level> m_levels;
+    /// Levels of exclusive names with fewer candidates than there are such names: the others will
+    /// find a record in any case. Empty where there are too many of them to be looked after.
+    std::vector<std::size_t> m_scarce;
     std::vector<int> m_satisfied; ///< by disjunction of several names: literals that are not false
 };
 

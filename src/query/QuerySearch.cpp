@@ -24,6 +24,7 @@ std::vector<int> writtenNames(const QueryPlan& plan)
 bool haveDifferentRecords(const std::vector<int>& names, const std::vector<int>& chosen)
 {
     std::vector<int> records;
+    records.reserve(names.size());
     for (const int name : names)
         records.push_back(chosen[std::size_t(name)]);
     std::sort(records.begin(), records.end());

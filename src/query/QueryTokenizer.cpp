@@ -52,7 +52,7 @@ public:
         for (const auto read :
              {&Tokenizer::readUserAttribute, &Tokenizer::readAttribute, &Tokenizer::readQuoted,
               &Tokenizer::readBareWord, &Tokenizer::readOperator}) {
-            if (const std::optional<QueryToken> token = (this->*read)())
+            if (std::optional<QueryToken> token = (this->*read)())
                 return token;
         }
         return std::nullopt;
@@ -192,7 +192,7 @@ private:
     template <typename Make>
     QueryToken finish(qsizetype end, Make make)
     {
-        const QueryToken token = make(text(m_pos, end), position());
+        QueryToken token = make(text(m_pos, end), position());
         m_pos = end;
         return token;
     }

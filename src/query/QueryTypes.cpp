@@ -14,7 +14,7 @@ namespace tresk {
 namespace {
 
 /// Findings repeat parts of the query, so that a long one could have any amount of them.
-constexpr qsizetype mostFindingText = 16 * 1024 * 1024; // characters
+constexpr qsizetype mostFindingText = qsizetype(16) * 1024 * 1024; // characters
 
 enum Type { String = 1, Number = 2, Date = 4, Boolean = 8 };
 

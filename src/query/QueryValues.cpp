@@ -125,9 +125,9 @@ std::optional<float> readNumber(const QString& text)
             factor = value;
         }
     };
-    scale(u"kb", 1024);
-    scale(u"mb", 1048576);
-    scale(u"gb", 1073741824);
+    scale(u"kb", 1024.0F);
+    scale(u"mb", 1048576.0F);
+    scale(u"gb", 1073741824.0F);
     const QString lower = number.toString().toLower();
     bool valid = false;
     const float value = lower.left(int(numberLength(lower))).toFloat(&valid);

@@ -37,7 +37,7 @@ qsizetype WildcardPattern::readSet(QStringView pattern, qsizetype pos)
     for (; pos < pattern.size() && (pos == first || pattern.at(pos) != u']'); ++pos) {
         const char16_t c = pattern.at(pos).unicode();
         if (inRange) {
-            set.ranges.push_back(std::minmax(*rangeStart, c));
+            set.ranges.emplace_back(std::minmax(*rangeStart, c));
             rangeStart.reset();
             inRange = false;
         } else if (c == u'-' && rangeStart) {

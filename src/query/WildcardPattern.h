@@ -13,8 +13,8 @@ namespace tresk {
 /// and `[^...]` for one that is not in it; a set may hold ranges, and a "]" as its first character.
 /// All else, backslashes too, stands for itself. A character is a UTF-16 code unit.
 ///
-/// Matches what QRegExp matches in its wildcard syntax, in a time that is at most the product of
-/// both lengths.
+/// Takes a time that is at most the product of both lengths. (Qt's QRegExp does not, and in its
+/// wildcard syntax a backslash stands for two of them, or for itself in front of a "*".)
 class WildcardPattern {
 public:
     explicit WildcardPattern(QStringView pattern);

@@ -154,7 +154,7 @@ Workflowstep SummaryReader::parseWorkflowstep(QStringView content)
         if (scanner.nameIs(u"InFile") || scanner.nameIs(u"OutFile")) {
             FileSummary file = parseFile(scanner.content());
             file.filePurpose = scanner.name().toString();
-            step.files.append(std::move(file));
+            step.files.append(file);
         } else if (scanner.nameIs(u"UserAttributes")) {
             setUserAttributes(step, parseUserAttributes(scanner.content()));
         } else {

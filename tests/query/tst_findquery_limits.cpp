@@ -36,6 +36,8 @@ private Q_SLOTS:
     void manyUserAttributes();
     void unpairedSurrogates();
     void alternativesThatAreNowhere();
+    void moreNamesThanRecordsForThem();
+    void lastNameNeedsTheFirstRecord();
 };
 
 namespace {
@@ -290,6 +292,35 @@ void TestFindQueryLimits::alternativesThatAreNowhere()
     QCOMPARE(foundSoon(utf8("a:isfile b:isfile c:iswfs d:iswfs c:title == d:tool"),
                        stepsWithFiles(200, 5)),
              utf8("no"));
+}
+
+void TestFindQueryLimits::moreNamesThanRecordsForThem()
+{
+    // Trying all orders of the records would take hours.
+    const int count = 14;
+    QStringList conditions;
+    for (int i = 0; i < count; ++i)
+        conditions += name(i) + utf8(":title == x");
+    QList<Summary> records = stepsWithFiles(20, 0);
+    for (int i = 1; i < count; ++i)
+        records += stepTitled(utf8("x"));
+    QCOMPARE(foundSoon(conditions.join(utf8(" && ")), records), utf8("no"));
+    records += stepTitled(utf8("x"));
+    QVERIFY(foundSoon(conditions.join(utf8(" && ")), records).startsWith(utf8("yes")));
+}
+
+void TestFindQueryLimits::lastNameNeedsTheFirstRecord()
+{
+    const int count = 14;
+    QList<Summary> records;
+    QStringList conditions;
+    for (int i = 0; i < count; ++i) {
+        records += stepTitled(utf8("x%1").arg(i));
+        conditions += name(i) + (i < count - 1 ? utf8(":title %contains x") : utf8(":title == x0"));
+    }
+    const QString answer = foundSoon(conditions.join(utf8(" && ")), records);
+    QVERIFY2(answer.contains(name(count - 1) + utf8("=wfs:0")), qPrintable(answer));
+    QVERIFY2(answer.contains(name(0) + utf8("=wfs:1 ")), qPrintable(answer));
 }
 
 QTEST_APPLESS_MAIN(TestFindQueryLimits)
