@@ -95,11 +95,16 @@ public:
     /// Size of the open file in bytes, not truncated; 0 without a file.
     qint64 getFileSize() const;
 
+    /// Gives the file's descriptor back. The next read opens the file at its path again.
+    void releaseFile();
+
 private:
     Q_DISABLE_COPY(FileIterator)
 
+    bool openFile();
     void closeFile();
     bool isOpen() const;
+    bool reopen();
     int size() const;
     qint64 cursorPos() const;
     bool moveCursor(qint64 pos);
@@ -114,6 +119,7 @@ private:
     bool searchBackwards();
 
     std::unique_ptr<QFile> m_file;
+    bool m_released = false;
     qint64 m_fileSize = 0;
     QByteArray m_buffer; // the slice
     QByteArray m_line;

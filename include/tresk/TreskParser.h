@@ -82,6 +82,10 @@ public:
     /// Nothing is logged.
     bool open(const QString& path);
 
+    /// Gives the descriptor of the document's file back. What is read next opens the file at its
+    /// path again, so it has to be the same then.
+    void releaseFile();
+
     /// All sections, newest first: a section's id is its index.
     QList<SectionTag> getSections() const;
     /// All embedded files in the order of the document: a file's id is its index.

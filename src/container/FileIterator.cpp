@@ -30,8 +30,7 @@ bool FileIterator::open(const QString& path)
 {
     closeFile();
     m_file = std::make_unique<QFile>(path);
-    // Opening a pipe would wait for a writer, and a device has no end to search from.
-    if (!QFileInfo(path).isFile() || !m_file->open(QIODevice::ReadOnly | QIODevice::Unbuffered))
+    if (!openFile())
         return false;
     m_fileSize = m_file->size();
     if (getFirstBuffer())
@@ -39,9 +38,17 @@ bool FileIterator::open(const QString& path)
     return true;
 }
 
+bool FileIterator::openFile()
+{
+    // Opening a pipe would wait for a writer, and a device has no end to search from.
+    return QFileInfo(m_file->fileName()).isFile()
+        && m_file->open(QIODevice::ReadOnly | QIODevice::Unbuffered);
+}
+
 void FileIterator::closeFile()
 {
     m_file.reset();
+    m_released = false;
     m_fileSize = 0;
     m_buffer.clear();
     m_lineStart = -1;
@@ -178,6 +185,21 @@ qint64 FileIterator::getFileSize() const
 
 bool FileIterator::isOpen() const
 {
+    return m_file && (m_file->isOpen() || m_released);
+}
+
+void FileIterator::releaseFile()
+{
+    m_released = isOpen();
+    if (m_released)
+        m_file->close();
+}
+
+/// Whether there is a file to read from, after opening one again that was released.
+bool FileIterator::reopen()
+{
+    if (m_released && openFile())
+        m_released = false;
     return m_file && m_file->isOpen();
 }
 
@@ -209,7 +231,7 @@ bool FileIterator::readInto(QByteArray& bytes, qint64 pos, int len)
 {
     len = std::min(len, longestArray);
     bytes.resize(len);
-    const qint64 count = isOpen() && m_file->seek(pos) ? m_file->read(bytes.data(), len) : 0;
+    const qint64 count = reopen() && m_file->seek(pos) ? m_file->read(bytes.data(), len) : 0;
     bytes.truncate(int(std::max<qint64>(count, 0)));
     return count > 0;
 }

@@ -59,6 +59,11 @@ bool TreskParser::open(const QString& path)
     return true;
 }
 
+void TreskParser::releaseFile()
+{
+    m_iterator.releaseFile();
+}
+
 QList<SectionTag> TreskParser::getSections() const
 {
     return m_sections;
