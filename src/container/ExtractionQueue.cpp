@@ -115,8 +115,11 @@ void ExtractionQueue::openTarget(const Extractee& entry)
     m_inflater.reset();
     m_target.close();
     m_target.setFileName(entry.target);
-    // A failure shows when the first bytes, or none, are to be written.
-    m_target.open(QIODevice::WriteOnly | QIODevice::Unbuffered);
+    // A failure shows when the first bytes, or none, are to be written. A file that is empty
+    // already is not emptied: file systems make up for that by waiting for the disk.
+    if (m_target.open(QIODevice::WriteOnly | QIODevice::Append | QIODevice::Unbuffered)
+        && m_target.size() > 0)
+        m_target.resize(0);
 }
 
 bool ExtractionQueue::write(const QByteArray& data)
