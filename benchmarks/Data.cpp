@@ -257,6 +257,29 @@ QString writeSummaryHistory(const QString& name, int steps)
     return dataPath(name);
 }
 
+QString writeNestedHistory(const QString& name, int count, int steps)
+{
+    SectionSpec step;
+    QString entries;
+    for (int i = 0; i < count; ++i) {
+        DocumentWriter embedded;
+        embedded.write("%PDF-1.4\n");
+        embedded.writeHeader();
+        writeSteps(embedded, steps, {}, true);
+        const QString file = QStringLiteral("%1.tresk").arg(i);
+        step.files.append(FileSpec::flate(file, embedded.bytes()));
+        entries += fileElement(QStringLiteral("InFile"), file, embedded.bytes());
+    }
+    step.files.append(
+        FileSpec::flate(QStringLiteral("ws_summary.xml"), summaryAround(entries).toUtf8()));
+    DocumentWriter document;
+    document.write("%PDF-1.4\n");
+    document.writeHeader();
+    document.writeSection(step);
+    save(dataPath(name), document.bytes());
+    return dataPath(name);
+}
+
 QString writeFolder(const QString& name, int count)
 {
     const QString folder = dataPath(name);

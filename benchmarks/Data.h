@@ -32,6 +32,8 @@ QString writeLongHistory(const QString& name, int sections, int filesEach);
 QString summaryDocument(int files);
 /// Writes a document of @p steps sections, each with two files and a summary that names them.
 QString writeSummaryHistory(const QString& name, int steps);
+/// Writes a document of one step that embeds @p count documents of @p steps steps each, deflated.
+QString writeNestedHistory(const QString& name, int count, int steps);
 /// Writes @p count documents of 1 MiB of host bytes with five steps each into a folder, whose path
 /// it returns. The word "resonance" is in the summaries of the last one only, which are not
 /// deflated.

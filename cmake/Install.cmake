@@ -23,6 +23,7 @@ set_target_properties(tresk PROPERTIES INSTALL_RPATH "$ORIGIN/${bin_to_lib}")
 install(TARGETS tresk RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
 
 # find_package(tresklib). Before 1.0 a new minor version may change the interface.
+list(JOIN tresk_qt_modules " " tresk_qt_components)
 configure_package_config_file(
     cmake/tresklibConfig.cmake.in ${PROJECT_BINARY_DIR}/tresklibConfig.cmake
     INSTALL_DESTINATION ${package_dir})
@@ -46,5 +47,7 @@ set(pc_libdir "\${prefix}")
 cmake_path(APPEND pc_libdir "${CMAKE_INSTALL_LIBDIR}")
 set(pc_includedir "\${prefix}")
 cmake_path(APPEND pc_includedir "${CMAKE_INSTALL_INCLUDEDIR}")
+list(TRANSFORM tresk_qt_modules PREPEND Qt${TRESK_QT} OUTPUT_VARIABLE pc_qt_modules)
+list(JOIN pc_qt_modules " " pc_qt_modules)
 configure_file(cmake/tresklib.pc.in ${PROJECT_BINARY_DIR}/tresklib.pc @ONLY)
 install(FILES ${PROJECT_BINARY_DIR}/tresklib.pc DESTINATION ${pkgconfig_dir})

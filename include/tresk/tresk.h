@@ -4,6 +4,8 @@
 /// The whole public interface of the library.
 #include <tresk/BinaryDir.h>
 #include <tresk/ConjunctiveNormalForm.h>
+#include <tresk/CostMatrix.h>
+#include <tresk/Dijkstra.h>
 #include <tresk/Export.h>
 #include <tresk/ExtractionQueue.h>
 #include <tresk/FileHash.h>
@@ -11,15 +13,22 @@
 #include <tresk/Inflater.h>
 #include <tresk/LogSource.h>
 #include <tresk/MD5Generator.h>
+#include <tresk/Path.h>
+#include <tresk/PriorityQueue.h>
 #include <tresk/QueryError.h>
 #include <tresk/StopWatch.h>
 #include <tresk/Summary.h>
 #include <tresk/SummaryCreator.h>
 #include <tresk/SummaryReader.h>
+#include <tresk/TreeId.h>
+#include <tresk/TreskDiff.h>
+#include <tresk/TreskFileManager.h>
 #include <tresk/TreskFindQuery.h>
 #include <tresk/TreskParser.h>
 #include <tresk/Tripple.h>
 #include <tresk/ValidationQueue.h>
 #include <tresk/Validator.h>
+#include <tresk/WorkflowTree.h>
+#include <tresk/WorkflowstepCosts.h>
 
 #endif

@@ -1,0 +1,51 @@
+#ifndef TRESK_DIJKSTRA_H
+#define TRESK_DIJKSTRA_H
+
+#include <tresk/Export.h>
+#include <tresk/PriorityQueue.h>
+
+#include <QList>
+#include <QSharedPointer>
+
+namespace tresk {
+
+/// Writes the debug lines of a search that has come to a goal with @p expanded items popped.
+TRESK_EXPORT void reportGoal(int expanded);
+
+/// Best-first search. A @p PathType has `expand(queue)`, which pushes its successors,
+/// `reachedGoal()` and `printMe()`.
+template <typename PathType>
+class Dijkstra {
+public:
+    using PathPointer = QSharedPointer<PathType>;
+
+    /// The first @p n paths that reach the goal from @p start, best first; fewer if there are no
+    /// more, and at least one if there is any. What is still open then stays in the queue.
+    QList<PathPointer> findPaths(const PathPointer& start, int n)
+    {
+        QList<PathPointer> found;
+        m_queue.push(start, 0);
+        int expanded = 0;
+        while (!m_queue.isEmpty()) {
+            ++expanded;
+            const PathPointer path = m_queue.pop().first;
+            if (!path->reachedGoal()) {
+                path->expand(m_queue);
+                continue;
+            }
+            reportGoal(expanded);
+            path->printMe();
+            found.append(path);
+            if (found.size() >= n)
+                break;
+        }
+        return found;
+    }
+
+private:
+    PriorityQueue<PathPointer> m_queue;
+};
+
+} // namespace tresk
+
+#endif

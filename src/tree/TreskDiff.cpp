@@ -1,0 +1,109 @@
+#include <tresk/TreskDiff.h>
+
+#include <tresk/CostMatrix.h>
+#include <tresk/Dijkstra.h>
+#include <tresk/Path.h>
+
+namespace tresk {
+
+namespace {
+
+/// What to look up for tree @p t: @p first, @p second or, for another value, neither.
+template <typename Table>
+const Table* tableOf(TreeId t, const Table& first, const Table& second)
+{
+    if (t == FirstTree)
+        return &first;
+    return t == SecondTree ? &second : nullptr;
+}
+
+QHash<int, bool> parentChanges(const Path& path, const QHash<int, int>& associations, TreeId t)
+{
+    QHash<int, bool> changes;
+    for (auto entry = associations.begin(); entry != associations.end(); ++entry)
+        changes.insert(entry.key(), path.parentChanged(entry.key(), t));
+    return changes;
+}
+
+} // namespace
+
+TreskDiffResult::TreskDiffResult(const QHash<int, int>& assoc1, const QHash<int, int>& assoc2,
+                                 const QHash<int, bool>& changed1, const QHash<int, bool>& changed2)
+    : m_association1(assoc1)
+    , m_association2(assoc2)
+    , m_parentChanged1(changed1)
+    , m_parentChanged2(changed2)
+{
+}
+
+int TreskDiffResult::association(int id, TreeId t) const
+{
+    const auto* const table = tableOf(t, m_association1, m_association2);
+    return table ? table->value(id, -2) : -2;
+}
+
+bool TreskDiffResult::associated(int id, TreeId t) const
+{
+    const auto* const table = tableOf(t, m_association1, m_association2);
+    return table && table->value(id, -3) == -3;
+}
+
+bool TreskDiffResult::parentChanged(int id, TreeId t) const
+{
+    const auto* const table = tableOf(t, m_parentChanged1, m_parentChanged2);
+    return table && table->value(id, false);
+}
+
+TreskDiff::TreskDiff(const WorkflowTree& tree1, const WorkflowTree& tree2, WorkflowstepCosts* costs)
+    : m_tree1(tree1)
+    , m_tree2(tree2)
+    , m_costs(costs)
+{
+}
+
+TreskDiff::~TreskDiff() = default;
+
+void TreskDiff::setTree1(const WorkflowTree& tree)
+{
+    m_tree1 = tree;
+}
+
+void TreskDiff::setTree2(const WorkflowTree& tree)
+{
+    m_tree2 = tree;
+}
+
+void TreskDiff::setCosts(WorkflowstepCosts* costs)
+{
+    m_costs = costs;
+}
+
+QList<TreskDiffResult> TreskDiff::findBestMatches(int n) const
+{
+    const CostMatrix matrix(m_tree1, m_tree2, m_costs);
+    PathExpander expander(&m_tree1, &m_tree2, &matrix);
+    const auto start = QSharedPointer<Path>::create(&expander);
+    const QList<QSharedPointer<Path>> paths = Dijkstra<Path>().findPaths(start, n);
+    QList<TreskDiffResult> results;
+    for (const QSharedPointer<Path>& path : paths)
+        results.append(convertPath(*path));
+    return results;
+}
+
+QSharedPointer<TreskDiffResult> TreskDiff::findBestMatch() const
+{
+    const QList<TreskDiffResult> results = findBestMatches(1);
+    if (results.isEmpty())
+        return {};
+    return QSharedPointer<TreskDiffResult>::create(results.first());
+}
+
+TreskDiffResult TreskDiff::convertPath(const Path& path)
+{
+    const QHash<int, int> first = path.associations(FirstTree);
+    const QHash<int, int> second = path.associations(SecondTree);
+    return {first, second, parentChanges(path, first, FirstTree),
+            parentChanges(path, second, SecondTree)};
+}
+
+} // namespace tresk

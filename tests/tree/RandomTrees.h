@@ -1,0 +1,38 @@
+#ifndef TRESK_TESTS_RANDOMTREES_H
+#define TRESK_TESTS_RANDOMTREES_H
+
+#include "SearchModel.h"
+
+#include <QRandomGenerator>
+
+namespace tresktest {
+
+/// Makes pairs of trees to compare: flat and nested ones, with few different steps, with ids that
+/// do not begin at 0, with parents that come after their children or are none; at prices that are
+/// alike, odd or negative.
+class RandomTrees {
+public:
+    explicit RandomTrees(quint32 seed)
+        : m_random(seed)
+    {
+    }
+
+    /// Two trees of up to @p most nodes each.
+    ModelProblem problem(int most);
+    /// Two trees of 14 to 24 nodes, that have most of them in common.
+    ModelProblem similarTrees();
+
+    int number(int from, int to) { return m_random.bounded(from, to + 1); }
+
+private:
+    bool oneIn(int count) { return m_random.bounded(count) == 0; }
+    ModelTree tree(int nodes);
+    float price(int kind);
+    std::vector<std::vector<float>> prices();
+
+    QRandomGenerator m_random;
+};
+
+} // namespace tresktest
+
+#endif
