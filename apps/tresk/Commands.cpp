@@ -56,9 +56,9 @@ QString nearestCommand(const QString& name)
 
 const std::vector<Command>& commands()
 {
-    static const std::vector<Command> all = {logCommand(),  showCommand(),    filesCommand(),
-                                             catCommand(),  extractCommand(), verifyCommand(),
-                                             findCommand(), helpCommand()};
+    static const std::vector<Command> all = {
+        logCommand(),    showCommand(), filesCommand(), catCommand(),  extractCommand(),
+        verifyCommand(), findCommand(), treeCommand(),  diffCommand(), helpCommand()};
     return all;
 }
 

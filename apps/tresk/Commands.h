@@ -11,12 +11,14 @@ namespace tresk::cli {
 
 // Each in the file of its name.
 Command catCommand();
+Command diffCommand();
 Command extractCommand();
 Command filesCommand();
 Command findCommand();
 Command helpCommand();
 Command logCommand();
 Command showCommand();
+Command treeCommand();
 Command verifyCommand();
 
 /// All commands in the order in which the help text lists them.

@@ -1,0 +1,76 @@
+#include "Commands.h"
+#include "DiffReport.h"
+#include "HistoryTree.h"
+#include "Invocation.h"
+
+#include <tresk/TreskDiff.h>
+#include <tresk/WorkflowstepCosts.h>
+
+namespace tresk::cli {
+
+namespace {
+
+constexpr int mostResults = 1000;
+
+/// The number of pairings that are asked for; 0, after it was reported, if that is none.
+int wantedResults(const Invocation& invocation, const Command* command)
+{
+    if (!invocation.isSet("number"))
+        return 1;
+    bool valid = false;
+    const int wanted = invocation.value("number").toInt(&valid);
+    if (valid && wanted >= 1 && wanted <= mostResults)
+        return wanted;
+    reportUsage(command, QStringLiteral("-n takes a number from 1 to %1").arg(mostResults));
+    return 0;
+}
+
+int runDiff(Invocation& invocation)
+{
+    const Command* const command = findCommandNamed(QStringLiteral("diff"));
+    if (invocation.isSet("json") && invocation.isSet("dot"))
+        return reportUsage(command, QStringLiteral("--json and --dot exclude each other"));
+    const int wanted = wantedResults(invocation, command);
+    if (wanted == 0)
+        return exitTrouble;
+    HistoryTree first;
+    HistoryTree second;
+    const bool firstRead = first.read(invocation.arguments.at(0));
+    if (!second.read(invocation.arguments.at(1)) || !firstRead)
+        return exitTrouble;
+
+    WorkflowstepCosts costs;
+    const TreskDiff diff(first.tree(), second.tree(), &costs);
+    DiffReport report(invocation, first, second);
+    const QList<TreskDiffResult> results = diff.findBestMatches(wanted);
+    for (const TreskDiffResult& result : results)
+        report.add(result);
+    report.finish();
+    if (!first.isWhole() || !second.isWhole())
+        return exitTrouble;
+    return report.bestIsSame() ? exitDone : exitFailed;
+}
+
+} // namespace
+
+Command diffCommand()
+{
+    return {"diff",
+            "show how the steps of two documents correspond",
+            "A B",
+            "Pairs the steps of two histories, embedded documents included, at the lowest cost:\n"
+            "steps of other titles, tools and descriptions cost, and so do steps without a\n"
+            "counterpart or under another step. Shows the pairs and what changed in them, the\n"
+            "steps that only one document has, and the pairs that have moved.\n"
+            "\n"
+            "The exit code is 0 if the histories are the same, 1 if they differ, and 2 in case\n"
+            "of trouble. The more the histories differ the longer it takes.\n",
+            {{'n', "number", "N", "show the N best ways of pairing the steps, best first"},
+             {0, "dot", nullptr, "print a graph for Graphviz instead, of the best way"},
+             {0, "json", nullptr, "print one JSON object instead"}},
+            {"A", "B"},
+            2,
+            runDiff};
+}
+
+} // namespace tresk::cli

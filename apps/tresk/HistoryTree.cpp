@@ -1,0 +1,90 @@
+#include "HistoryTree.h"
+
+#include "CommandLine.h"
+#include "Document.h"
+#include "Messages.h"
+#include "StepFiles.h"
+#include "Summaries.h"
+#include "Text.h"
+
+namespace tresk::cli {
+
+bool HistoryTree::read(const QString& path)
+{
+    m_name = path;
+    Document document;
+    if (!document.openWithSteps(path))
+        return false;
+    if (shareTooManyFiles(StepFiles(document.parser()))) {
+        document.report(QStringLiteral("its steps share too many files to be taken apart"));
+        return false;
+    }
+    WorkflowTree tree;
+    QObject::connect(&tree, &LogSource::log, &tree, relayLogLine);
+    tree.treeFromTreskFile(document.parserPath());
+    // Only the steps are kept: the temporary files go at once, whatever happens later.
+    const QList<int> ids = tree.nodeIds();
+    for (const int id : ids) {
+        m_tree.addTreeNode(tree.parent(id), *tree.workflowStep(id), tree.treskfile(id),
+                           tree.fileOnDisk(id));
+    }
+    reportMissing(document);
+    m_isWhole = document.checkChain() && document.checkLength() && m_isWhole;
+    return true;
+}
+
+/// Reports the embedded documents of which there is nothing in the tree.
+void HistoryTree::reportMissing(const Document& document)
+{
+    const QList<int> ids = m_tree.nodeIds();
+    for (const int id : ids) {
+        QStringList present;
+        const QList<Branch> branches = branchesOf(m_tree, id);
+        for (const Branch& branch : branches)
+            present += branch.document;
+        for (const FileSummary& file : m_tree.workflowStep(id)->files) {
+            const bool isDocument = file.embedded
+                && file.filename.endsWith(QLatin1String(".tresk"));
+            if (!isDocument || present.removeOne(file.filename))
+                continue;
+            m_isWhole = false;
+            document.report(QStringLiteral("there is no history to be read in %1, which step %2 "
+                                           "of the tree embeds")
+                                .arg(quoted(file.filename), QString::number(id)));
+        }
+    }
+}
+
+QList<Branch> branchesOf(const WorkflowTree& tree, int id)
+{
+    QList<Branch> branches;
+    QString lastFile;
+    const QList<int> children = tree.children(id);
+    for (const int child : children) {
+        const QString file = tree.fileOnDisk(child);
+        if (branches.isEmpty() || file != lastFile)
+            branches.append({tree.treskfile(child), {}});
+        branches.last().steps.append(child);
+        lastFile = file;
+    }
+    return branches;
+}
+
+QString titleOf(const Workflowstep& step)
+{
+    return step.title.isEmpty() ? QStringLiteral("<no title>") : printable(step.title);
+}
+
+QString circumstancesOf(const Workflowstep& step)
+{
+    QStringList known;
+    for (const QString& text :
+         {printable(step.tool), userAndHost(step), printable(step.timestamp)}) {
+        if (!text.isEmpty())
+            known += text;
+    }
+    return known.isEmpty() ? QString()
+                           : QStringLiteral("  (%1)").arg(known.join(QStringLiteral(", ")));
+}
+
+} // namespace tresk::cli

@@ -1,0 +1,198 @@
+#include "Command.h"
+#include "Documents.h"
+#include "SummaryXml.h"
+
+#include <TestFiles.h>
+
+#include <QDir>
+#include <QJsonArray>
+#include <QtTest>
+
+using namespace tresktest;
+
+/// What `tresk tree` draws.
+class TestCommandTree : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void stepsNewestFirst();
+    void embeddedDocumentsUnderTheirStep();
+    void severalDocumentsInOneStep();
+    void onlyEmbeddedTreskFilesAreFollowed();
+    void textsAreSafeForTerminals();
+    void jsonHasTheSameShape();
+    void dotQuotesWhatIsInIt();
+    void jsonAndDotExcludeEachOther();
+    void noHistory();
+    void brokenDocumentsInsideAreToldOf();
+    void nothingStaysInTheTemporaryDirectory();
+
+private:
+    Outcome tree(const QByteArray& document, const QStringList& options = {}) const;
+
+    TestDir m_dir;
+};
+
+namespace {
+
+/// A step with a summary that says its title and tool and names @p files as inputs.
+SectionSpec toldStep(const char* title, const char* tool, const QVector<FileSpec>& files = {})
+{
+    QByteArray content = element("Title", title) + element("Tool", tool);
+    for (const FileSpec& file : files)
+        content += fileElement("InFile", file);
+    return step(text(title), files + QVector<FileSpec>{summaryWith(content)});
+}
+
+FileSpec embeddedDocument(const char* name, const QVector<SectionSpec>& steps)
+{
+    return FileSpec::flate(text(name), documentWith(steps));
+}
+
+} // namespace
+
+Outcome TestCommandTree::tree(const QByteArray& document, const QStringList& options) const
+{
+    m_dir.write(text("some.pdf"), document);
+    return Command(QStringList{text("tree"), text("some.pdf")} + options)
+        .inDirectory(m_dir.path(QString()))
+        .run();
+}
+
+void TestCommandTree::stepsNewestFirst()
+{
+    const Outcome outcome = tree(documentWith({toldStep("one", "t1"), toldStep("two", "t2")}));
+    QCOMPARE(outcome.errors, QByteArray());
+    QCOMPARE(outcome.output, QByteArray("some.pdf\n├─ 0  two  (t2)\n└─ 1  one  (t1)\n"));
+    QCOMPARE(outcome.exitCode, 0);
+}
+
+void TestCommandTree::embeddedDocumentsUnderTheirStep()
+{
+    const FileSpec innermost = embeddedDocument("c.tresk", {toldStep("three", "t3")});
+    const FileSpec inner = embeddedDocument(
+        "b.tresk", {toldStep("two", "t2", {innermost}), toldStep("two again", "t2")});
+    const Outcome outcome = tree(
+        documentWith({toldStep("one", "t1", {inner}), toldStep("last", "t1")}));
+    QCOMPARE(outcome.output,
+             QByteArray("some.pdf\n"
+                        "├─ 0  last  (t1)\n"
+                        "└─ 1  one  (t1)\n"
+                        "   └─ b.tresk\n"
+                        "      ├─ 2  two again  (t2)\n"
+                        "      └─ 3  two  (t2)\n"
+                        "         └─ c.tresk\n"
+                        "            └─ 4  three  (t3)\n"));
+    QCOMPARE(outcome.exitCode, 0);
+}
+
+void TestCommandTree::severalDocumentsInOneStep()
+{
+    const QVector<FileSpec> files{embeddedDocument("a.tresk", {toldStep("in a", "t")}),
+                                  embeddedDocument("b.tresk", {toldStep("in b", "t")})};
+    QCOMPARE(tree(documentWith({toldStep("both", "t", files)})).output,
+             QByteArray("some.pdf\n"
+                        "└─ 0  both  (t)\n"
+                        "   ├─ a.tresk\n"
+                        "   │  └─ 1  in a  (t)\n"
+                        "   └─ b.tresk\n"
+                        "      └─ 2  in b  (t)\n"));
+}
+
+void TestCommandTree::onlyEmbeddedTreskFilesAreFollowed()
+{
+    const QVector<FileSpec> files{embeddedDocument("a.TRESK", {toldStep("in a", "t")}),
+                                  embeddedDocument("b.pdf", {toldStep("in b", "t")})};
+    QCOMPARE(tree(documentWith({toldStep("both", "t", files)})).output,
+             QByteArray("some.pdf\n└─ 0  both  (t)\n"));
+}
+
+void TestCommandTree::textsAreSafeForTerminals()
+{
+    const FileSpec inner = embeddedDocument("x\x1b[2J.tresk", {toldStep("", "")});
+    QCOMPARE(tree(documentWith({toldStep("a\x07", "b\nc", {inner})})).output,
+             QByteArray("some.pdf\n└─ 0  a\\x07  (b\\nc)\n   └─ x\\x1b[2J.tresk\n"
+                        "      └─ 1  <no title>\n"));
+}
+
+void TestCommandTree::jsonHasTheSameShape()
+{
+    const FileSpec inner = embeddedDocument("b.tresk", {toldStep("two", "t2")});
+    const Outcome outcome = tree(documentWith({toldStep("one", "t1", {inner})}), {text("--json")});
+    const QJsonObject object = jsonObject(outcome.output);
+    QCOMPARE(object.value(text("document")).toString(), text("some.pdf"));
+    const QJsonObject one = object.value(text("steps")).toArray().at(0).toObject();
+    QCOMPARE(one.value(text("node")).toInt(-1), 0);
+    QCOMPARE(one.value(text("title")).toString(), text("one"));
+    QVERIFY(one.value(text("host")).isNull());
+    const QJsonObject document = one.value(text("documents")).toArray().at(0).toObject();
+    QCOMPARE(document.value(text("name")).toString(), text("b.tresk"));
+    const QJsonObject two = document.value(text("steps")).toArray().at(0).toObject();
+    QCOMPARE(two.value(text("node")).toInt(-1), 1);
+    QCOMPARE(two.value(text("tool")).toString(), text("t2"));
+    QVERIFY(two.value(text("documents")).toArray().isEmpty());
+}
+
+void TestCommandTree::dotQuotesWhatIsInIt()
+{
+    const FileSpec inner = embeddedDocument("b\".tresk", {toldStep("two", "")});
+    const Outcome outcome = tree(documentWith({toldStep("a \"b\\c", "t", {inner})}),
+                                 {text("--dot")});
+    QCOMPARE(outcome.output,
+             QByteArray("digraph history {\n  rankdir=LR;\n  node [shape=box];\n"
+                        "  document [shape=note, label=\"some.pdf\"];\n"
+                        "  step0 [label=\"a \\\"b\\\\c\\nt\"];\n"
+                        "  document -> step0;\n"
+                        "  step1 [label=\"two\\n\"];\n"
+                        "  step0 -> step1 [label=\"b\\\".tresk\"];\n"
+                        "}\n"));
+}
+
+void TestCommandTree::jsonAndDotExcludeEachOther()
+{
+    const Outcome outcome = tree(documentWith({toldStep("one", "t")}),
+                                 {text("--json"), text("--dot")});
+    QCOMPARE(outcome.exitCode, 2);
+    QVERIFY2(outcome.errors.contains("--json and --dot exclude each other"),
+             outcome.errors.constData());
+    QCOMPARE(outcome.output, QByteArray());
+}
+
+void TestCommandTree::noHistory()
+{
+    const Outcome outcome = tree("%PDF-1.4\n");
+    QCOMPARE(outcome.exitCode, 2);
+    QVERIFY2(outcome.errors.startsWith("tresk: some.pdf: has no history"),
+             outcome.errors.constData());
+}
+
+void TestCommandTree::brokenDocumentsInsideAreToldOf()
+{
+    FileSpec broken = embeddedDocument("b.tresk", {toldStep("in b", "t")});
+    broken.stored = QByteArray("no stream");
+    const QVector<FileSpec> files{broken, FileSpec::plain(text("c.tresk"), "no document"),
+                                  embeddedDocument("d.tresk", {toldStep("in d", "t")})};
+    const Outcome outcome = tree(documentWith({toldStep("one", "t", files)}));
+    QCOMPARE(outcome.output,
+             QByteArray("some.pdf\n└─ 0  one  (t)\n   └─ d.tresk\n      └─ 1  in d  (t)\n"));
+    const QByteArray problem = "tresk: some.pdf: there is no history to be read in ";
+    QCOMPARE(outcome.errors,
+             problem + "\"b.tresk\", which step 0 of the tree embeds\n" + problem
+                 + "\"c.tresk\", which step 0 of the tree embeds\n");
+    QCOMPARE(outcome.exitCode, 2);
+}
+
+void TestCommandTree::nothingStaysInTheTemporaryDirectory()
+{
+    const QString temporary = m_dir.path(text("temporary"));
+    QVERIFY(QDir().mkpath(temporary));
+    const FileSpec inner = embeddedDocument("b.tresk", {toldStep("two", "t2")});
+    m_dir.write(text("some.pdf"), documentWith({toldStep("one", "t1", {inner})}));
+    const Outcome outcome =
+        Command({text("tree"), m_dir.path(text("some.pdf"))}).with(text("TMPDIR"), temporary).run();
+    QVERIFY2(outcome.output.contains("1  two"), outcome.output.constData());
+    QCOMPARE(entriesOf(temporary), QStringList());
+}
+
+QTEST_GUILESS_MAIN(TestCommandTree)
+#include "tst_command_tree.moc"
