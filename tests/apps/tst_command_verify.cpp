@@ -438,10 +438,10 @@ void TestCommandVerify::contentIsNotHeldInMemory()
     QSKIP("the address sanitizer needs more memory than the limit allows");
 #endif
     m_dir.write(text("some.pdf"),
-                documentWith({fileOfZeros(text("zeros"), qint64(256) * 1024 * 1024)}));
+                documentWith({fileOfZeros(text("zeros"), qint64(512) * 1024 * 1024)}));
     const Outcome outcome =
-        Command({text("verify"), m_path}).inShell(text("ulimit -v 249856; exec \"$@\"")).run();
-    // The content's checksum is not that of the 256 MiB, but this is what was compared.
+        Command({text("verify"), m_path}).inShell(text("ulimit -v 460800; exec \"$@\"")).run();
+    // The content's checksum is not that of the 512 MiB, but this is what was compared.
     QCOMPARE(outcome.errors, "tresk: " + m_name + ": file 0 \"zeros\": its checksum differs\n");
     QCOMPARE(outcome.exitCode, 1);
 }
