@@ -123,6 +123,11 @@ int largestMebibytes()
     return ok && size > 0 ? std::min(size, 2000) : 1024;
 }
 
+int scaled(int count)
+{
+    return int(std::max<qint64>(1, qint64(count) * largestMebibytes() / 1024));
+}
+
 QString dataPath(const QString& name)
 {
     static const QTemporaryDir dir;

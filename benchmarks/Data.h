@@ -9,6 +9,8 @@ namespace treskbench {
 /// Size in MiB of the largest documents: the environment variable TRESK_BENCHMARK_MIB, or
 /// 1024 where it is not set.
 int largestMebibytes();
+/// @p count in the proportion of that to 1024, at least 1.
+int scaled(int count);
 
 /// A folder for the run's documents, removed at its end. Its parent is the system's folder for
 /// temporary files (TMPDIR), which needs about three times the largest size.

@@ -47,7 +47,7 @@ void readWithQt(const QString& text, int times)
 void againstQt(benchmark::State& state)
 {
     const QString text = summaryDocument(int(state.range(0)));
-    const int times = std::max(1, 4000000 / int(text.size()));
+    const int times = std::max(1, scaled(4000000) / int(text.size()));
     runPairs(state, inProcess([&] { read(text, times); }),
              inProcess([&] { readWithQt(text, times); }));
     state.counters["bytes"] = double(text.size());
@@ -62,8 +62,8 @@ BENCHMARK(againstQt)
 /// Reports as "ratio" the time per character of @p text to that of @p ordinary.
 void perCharacter(benchmark::State& state, const QString& text, const QString& ordinary)
 {
-    const int length = 8000000;
-    const auto run = [](const QString& what) {
+    const int length = scaled(8000000);
+    const auto run = [length](const QString& what) {
         const int times = std::max(1, length / int(what.size()));
         return [what, times, seconds = inProcess([what, times] { read(what, times); })] {
             return seconds() / times / double(what.size()) * 1e9;
@@ -134,8 +134,8 @@ void allSteps(benchmark::State& state)
 {
     TreskParser shorter;
     TreskParser longer;
-    if (!shorter.open(writeSummaryHistory(QStringLiteral("10000.pdf"), 10000))
-        || !longer.open(writeSummaryHistory(QStringLiteral("20000.pdf"), 20000)))
+    if (!shorter.open(writeSummaryHistory(QStringLiteral("shorter.pdf"), scaled(10000)))
+        || !longer.open(writeSummaryHistory(QStringLiteral("longer.pdf"), 2 * scaled(10000))))
         qFatal("cannot read benchmark data");
     const auto create = [](TreskParser& parser) {
         if (SummaryCreator().createSummaries(parser).size() != parser.getNumSections())
