@@ -2,6 +2,9 @@
 #define TRESK_TRESK_H
 
 /// The whole public interface of the library.
+#include <tresk/ArgFile.h>
+#include <tresk/ArgfileParser.h>
+#include <tresk/ArgfileReader.h>
 #include <tresk/BinaryDir.h>
 #include <tresk/ConjunctiveNormalForm.h>
 #include <tresk/CostMatrix.h>

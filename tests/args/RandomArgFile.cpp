@@ -1,0 +1,170 @@
+#include "RandomArgFile.h"
+
+#include "ArgFileFields.h"
+#include "ArgFileText.h"
+
+#include <QRandomGenerator>
+#include <QStringList>
+
+#include <algorithm>
+
+using tresk::ArgFile;
+using tresk::WSFile;
+
+namespace tresktest {
+
+namespace {
+
+bool isSpace(QChar c)
+{
+    return c == QLatin1Char(' ') || c == QLatin1Char('\t') || c == QLatin1Char('\r')
+        || c == QLatin1Char('\n');
+}
+
+/// Whether @p word is left as it is, quoted or not.
+bool isKept(const QString& word)
+{
+    return isQuoted(word) || !(word.contains(QLatin1Char('\'')) || word.contains(QLatin1Char('#')));
+}
+
+class Generator {
+public:
+    explicit Generator(QRandomGenerator& random)
+        : m_random(random)
+    {
+    }
+
+    ArgFile options()
+    {
+        ArgFile options;
+        options.setVerbosity(ArgFile::Verbosity(m_random.bounded(3)));
+        for (const FlagField& field : flagFields)
+            (options.*field.set)(oneIn(2));
+        for (const TextField& field : textFields) {
+            if (field.set != &ArgFile::setFirstpage && field.set != &ArgFile::setReadme)
+                (options.*field.set)(text());
+        }
+        for (int i = m_random.bounded(4); i > 0; --i)
+            options.addOutputTreskfile(word());
+        addUserAttributes(options);
+        for (int i = m_random.bounded(4); i > 0; --i)
+            options.addFile(file());
+        return options;
+    }
+
+private:
+    bool oneIn(int count) { return m_random.bounded(count) == 0; }
+
+    QString piece()
+    {
+        static const QStringList pieces{str("a"),
+                                        str("Bc"),
+                                        str("7"),
+                                        str("X"),
+                                        str("$"),
+                                        str("$$"),
+                                        str("$X"),
+                                        str("${X}"),
+                                        str("${"),
+                                        str("}"),
+                                        str("\\"),
+                                        str("\\\\"),
+                                        str("\""),
+                                        str("'"),
+                                        str("#"),
+                                        str("`"),
+                                        str(" "),
+                                        str("  "),
+                                        str("\t"),
+                                        str("\n"),
+                                        str("\r"),
+                                        str("\r\n"),
+                                        str("-O"),
+                                        str("--"),
+                                        str("no-"),
+                                        str("title"),
+                                        str("="),
+                                        str(":"),
+                                        str(";"),
+                                        str("/"),
+                                        str("."),
+                                        str("%1"),
+                                        str("\xc3\xa4"),
+                                        str("\xf0\x9f\x98\x80"),
+                                        str("\xc2\xa0"),
+                                        str("\x0b\x0c"),
+                                        QString(QChar(0xd83d)),
+                                        QString(QChar(0xde00)),
+                                        QString(QChar(0))};
+        return pieces.at(m_random.bounded(int(pieces.size())));
+    }
+
+    /// A text that is not empty.
+    QString word()
+    {
+        QString word;
+        for (int count = m_random.bounded(6); count >= 0; --count)
+            word += piece();
+        if (!isKept(word))
+            word.insert(m_random.bounded(int(word.size()) + 1), QLatin1Char(' '));
+        return word;
+    }
+
+    QString text() { return oneIn(4) ? QString() : word(); }
+
+    template <typename Owner>
+    void addUserAttributes(Owner& owner)
+    {
+        for (int i = m_random.bounded(5); i > 0; --i) {
+            const QStringList keys = owner.userAttributeKeys();
+            const bool again = !keys.isEmpty() && oneIn(3);
+            const QString key = again ? keys.at(m_random.bounded(int(keys.size()))) : text();
+            owner.addUserAttribute(key, key.isEmpty() ? QString() : text());
+        }
+    }
+
+    QString path()
+    {
+        static const QStringList starts{QString(), QString(), str("/"),    str("//"),   str("./"),
+                                        str(".."), str("x/"), str("x//y"), str("x///"), str("/x/")};
+        const QString start = starts.at(m_random.bounded(int(starts.size())));
+        return start + text().remove(QLatin1Char(':'));
+    }
+
+    WSFile file()
+    {
+        WSFile file;
+        file.setInputFile(oneIn(2));
+        QString name;
+        if (!oneIn(8))
+            file.setFilepath(path());
+        if (!oneIn(8))
+            name = path();
+        const bool absolute = name.startsWith(QLatin1Char('/'));
+        if (!isKept(absolute ? name : file.filepath() + name))
+            name += QLatin1Char(' ');
+        file.setFilename(name);
+        for (const FileTextField& field : fileTextFields)
+            (file.*field.set)(text());
+        for (const FileFlagField& field : fileFlagFields)
+            (file.*field.set)(oneIn(2));
+        addUserAttributes(file);
+        return file;
+    }
+
+    QRandomGenerator& m_random;
+};
+
+} // namespace
+
+bool isQuoted(const QString& word)
+{
+    return std::any_of(word.begin(), word.end(), isSpace);
+}
+
+ArgFile randomArgFile(QRandomGenerator& random)
+{
+    return Generator(random).options();
+}
+
+} // namespace tresktest
