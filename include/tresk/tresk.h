@@ -28,6 +28,9 @@
 #include <tresk/TreskFileManager.h>
 #include <tresk/TreskFindQuery.h>
 #include <tresk/TreskParser.h>
+#include <tresk/TreskRunner.h>
+#include <tresk/TreskaddRunner.h>
+#include <tresk/TreskdelRunner.h>
 #include <tresk/Tripple.h>
 #include <tresk/ValidationQueue.h>
 #include <tresk/Validator.h>
