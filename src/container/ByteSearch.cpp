@@ -13,8 +13,6 @@ namespace tresk {
 
 namespace {
 
-constexpr std::size_t npos = std::string_view::npos;
-
 std::size_t indexIn(std::string_view bytes, const void* found)
 {
     return found != nullptr ? std::size_t(static_cast<const char*>(found) - bytes.data()) : npos;

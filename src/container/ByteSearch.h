@@ -12,6 +12,9 @@ namespace tresk {
 /// What a QByteArray can hold on every version of Qt, with room to grow into.
 inline constexpr int longestArray = std::numeric_limits<int>::max() - 4096;
 
+/// Stands for no index.
+inline constexpr std::size_t npos = std::string_view::npos;
+
 inline std::string_view view(const QByteArray& bytes)
 {
     return {bytes.constData(), std::size_t(bytes.size())};

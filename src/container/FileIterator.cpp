@@ -15,7 +15,6 @@ namespace {
 // because reading a large document in small steps costs a fifth of the time.
 constexpr int smallestSlice = 10240;
 constexpr int largestSlice = 256 * 1024;
-constexpr std::size_t npos = std::string_view::npos;
 
 } // namespace
 

@@ -13,6 +13,9 @@
 
 namespace tresk {
 
+/// The translation of a message about a query.
+QString translate(const char* message);
+
 /// The finding about a query that is nested too deeply, or whose normal form would be too large.
 /// It concerns @p text at @p position.
 QueryError tooComplex(const QString& text, int position);

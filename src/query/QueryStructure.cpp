@@ -8,11 +8,6 @@ namespace {
 
 constexpr int deepestNesting = 1000; // brackets and negations together
 
-QString translate(const char* text)
-{
-    return QCoreApplication::translate("tresk", text);
-}
-
 /// Goes through the tokens of a query and says what is wrong with their order.
 class StructureCheck {
 public:
@@ -129,6 +124,11 @@ private:
 };
 
 } // namespace
+
+QString translate(const char* message)
+{
+    return QCoreApplication::translate("tresk", message);
+}
 
 QueryError tooComplex(const QString& text, int position)
 {

@@ -3,7 +3,6 @@
 #include "query/QueryParser.h"
 #include "query/QueryValues.h"
 
-#include <QCoreApplication>
 #include <QHash>
 #include <QStringList>
 
@@ -92,11 +91,6 @@ QString nameOf(Type type)
         break;
     }
     return QStringLiteral("boolean");
-}
-
-QString translate(const char* message)
-{
-    return QCoreApplication::translate("tresk", message);
 }
 
 /// Computes the types of all nodes, from the leaves up, and checks each operator on the way.
