@@ -114,9 +114,9 @@ int reportUsage(const Command* command, const QString& problem)
     if (command) {
         const QString name = QLatin1String(command->name);
         reportError(name, QStringLiteral("%1; see 'tresk %2 --help'").arg(problem, name));
-    } else {
-        reportError(QStringLiteral("%1; see 'tresk --help'").arg(problem));
+        return command->wrongUsage;
     }
+    reportError(QStringLiteral("%1; see 'tresk --help'").arg(problem));
     return exitTrouble;
 }
 

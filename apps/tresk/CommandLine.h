@@ -36,6 +36,7 @@ struct Command {
     std::vector<const char*> required; ///< what its arguments are, as messages call them
     int most; ///< number of arguments it takes, those that are not required included
     int (*run)(Invocation& invocation); ///< returns the exit code
+    int wrongUsage = exitTrouble; ///< exit code where it is used wrongly
 };
 
 /// The options that every command has.

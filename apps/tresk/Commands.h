@@ -10,6 +10,8 @@
 namespace tresk::cli {
 
 // Each in the file of its name.
+Command addCommand();
+Command argsCommand();
 Command catCommand();
 Command diffCommand();
 Command extractCommand();
@@ -19,6 +21,7 @@ Command helpCommand();
 Command logCommand();
 Command showCommand();
 Command treeCommand();
+Command undoCommand();
 Command verifyCommand();
 
 /// All commands in the order in which the help text lists them.

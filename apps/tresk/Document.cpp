@@ -1,12 +1,12 @@
 #include "Document.h"
 
 #include "Messages.h"
+#include "RegularFile.h"
 #include "SystemText.h"
 #include "Text.h"
 
 #include <algorithm>
 #include <cerrno>
-#include <fcntl.h>
 #include <limits>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -187,25 +187,19 @@ QString Document::unfit(const QString& problem)
 /// Opens the file and says why it cannot be a document; nothing if it can.
 QString Document::problemWithFile()
 {
-    if (m_name == QLatin1String("-"))
-        return QStringLiteral("standard input is not supported (./- is a file of that name)");
-    // Without O_NONBLOCK a named pipe would wait for its writer.
-    m_fd = ::open(toSystem(m_name).constData(), O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC);
-    struct stat status = {};
-    if (m_fd == -1 || fstat(m_fd, &status) != 0)
-        return systemError(errno);
-    if (S_ISDIR(status.st_mode))
-        return unfit(QStringLiteral("is a directory"));
-    if (!S_ISREG(status.st_mode))
-        return unfit(QStringLiteral("is not a regular file"));
-    if (status.st_size == 0)
+    const OpenedFile file = openRegularFile(m_name);
+    m_fd = file.fd;
+    m_isUnfit = file.isUnfit;
+    if (!file.problem.isEmpty())
+        return file.problem;
+    if (file.size == 0)
         return unfit(QStringLiteral("is empty"));
-    if (status.st_size > std::numeric_limits<int>::max())
+    if (file.size > std::numeric_limits<int>::max())
         return unfit(QStringLiteral("has 2 GiB or more, which is not supported"));
     char byte = 0;
     if (pread(m_fd, &byte, 1, 0) == -1)
         return systemError(errno);
-    m_size = status.st_size;
+    m_size = file.size;
     return {};
 }
 

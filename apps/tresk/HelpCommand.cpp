@@ -7,7 +7,8 @@ namespace {
 
 const char* const introduction =
     "Shows the history that a document carries: the steps that made it, and the files\n"
-    "that these embedded in it. The document itself is never changed.\n";
+    "that these embedded in it. Documents are never changed, but by the tools\n"
+    "that add and undo run.\n";
 
 const char* const exitCodes =
     "Exit codes:\n"
@@ -17,7 +18,8 @@ const char* const exitCodes =
     "       a file that could not be written\n"
     "  129, 130, 143\n"
     "       ended by the signal HUP, INT or TERM\n"
-    "  141  the reader of the output has gone away\n";
+    "  141  the reader of the output has gone away\n"
+    "Those of add and undo are others: that of the tool, or 124 to 127.\n";
 
 QString entry(const QString& name, const char* purpose, int width)
 {

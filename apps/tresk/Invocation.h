@@ -18,6 +18,7 @@ struct Invocation {
 
     bool isSet(const char* option) const { return options.isSet(QLatin1String(option)); }
     QString value(const char* option) const { return options.value(QLatin1String(option)); }
+    QStringList values(const char* option) const { return options.values(QLatin1String(option)); }
 };
 
 } // namespace tresk::cli

@@ -65,6 +65,12 @@ void reportWarning(const QString& subject, const QString& text)
         say(about(subject, QStringLiteral("warning: ") + text));
 }
 
+void reportNote(const QString& subject, const QString& text)
+{
+    if (currentVerbosity != Verbosity::Quiet)
+        say(about(subject, QStringLiteral("note: ") + text));
+}
+
 void relayLogLine(const QString& text)
 {
     if (currentVerbosity == Verbosity::Verbose)

@@ -9,7 +9,7 @@ namespace tresk::cli {
 /// How much is said.
 enum class Verbosity {
     Quiet, ///< errors only
-    Normal, ///< errors and warnings
+    Normal, ///< errors, warnings and notes
     Verbose ///< also what the library and Qt log
 };
 
@@ -25,6 +25,8 @@ void reportError(const QString& text);
 void reportError(const QString& subject, const QString& text);
 /// Something to know about @p subject that lets the command succeed nevertheless.
 void reportWarning(const QString& subject, const QString& text);
+/// Something about @p subject that need not be right or wrong.
+void reportNote(const QString& subject, const QString& text);
 /// A line that the library logged; said only when verbose.
 void relayLogLine(const QString& text);
 

@@ -57,8 +57,9 @@ int dispatch(Invocation& invocation, QStringList arguments, int position)
         if (arguments[position - 1] == QLatin1String("--"))
             arguments.removeAt(position - 1);
     }
+    const int wrongUsage = command ? command->wrongUsage : exitTrouble;
     if (!parseOptions(invocation.options, command, arguments))
-        return exitTrouble;
+        return wrongUsage;
     if (invocation.isSet("help")) {
         invocation.output.write(command ? helpFor(*command) : generalHelp());
         return exitDone;
@@ -69,7 +70,7 @@ int dispatch(Invocation& invocation, QStringList arguments, int position)
     }
     invocation.arguments = invocation.options.positionalArguments();
     if (!checkArguments(command, invocation.arguments))
-        return exitTrouble;
+        return wrongUsage;
     applyCommonOptions(invocation);
     return command->run(invocation);
 }

@@ -18,6 +18,7 @@ private Q_SLOTS:
     void initTestCase();
     void exampleIsReal_data();
     void exampleIsReal();
+    void sampleIsShownAsItIs();
     void allAttributesAreListed();
     void attributeHasItsType_data();
     void attributeHasItsType();
@@ -80,7 +81,7 @@ void TestCommandManual::exampleIsReal_data()
     QTest::addColumn<QString>("command");
     QTest::addColumn<QString>("output");
 
-    for (const char* name : {"command-line.md", "query.md"}) {
+    for (const char* name : {"command-line.md", "query.md", "argument-files.md"}) {
         const QString path = QStringLiteral(TRESK_SOURCE_DIR "/docs/") + text(name);
         const QVector<Example> examples = examplesIn(QString::fromUtf8(readFile(path)));
         QVERIFY(examples.size() >= 10);
@@ -100,6 +101,14 @@ void TestCommandManual::exampleIsReal()
     const Outcome outcome =
         Command({}).inDirectory(m_dir.path(QString())).inShell(script + command).run();
     QCOMPARE(QString::fromUtf8(outcome.output), output);
+}
+
+void TestCommandManual::sampleIsShownAsItIs()
+{
+    const QByteArray page = readFile(QStringLiteral(TRESK_SOURCE_DIR "/docs/argument-files.md"));
+    const QByteArray sample = readFile(QStringLiteral(TRESK_SOURCE_DIR "/samples/report.args"));
+    QVERIFY(!sample.isEmpty());
+    QVERIFY(page.contains("```\n" + sample + "```\n"));
 }
 
 void TestCommandManual::allAttributesAreListed()

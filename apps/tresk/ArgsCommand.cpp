@@ -1,0 +1,81 @@
+#include "ArgumentFile.h"
+#include "ArgumentJson.h"
+#include "ArgumentText.h"
+#include "Commands.h"
+#include "Invocation.h"
+#include "Json.h"
+
+namespace tresk::cli {
+
+namespace {
+
+void writeJson(Output& output, const ArgumentFile& file, QJsonObject object)
+{
+    object.insert(QStringLiteral("file"), file.name());
+    object.insert(QStringLiteral("messages"), messagesJson(file.messages()));
+    writeJson(output, object);
+}
+
+void showTokens(Invocation& invocation, ArgumentFile& file)
+{
+    const QList<ArgfileToken> tokens = file.tokens();
+    file.reportMessages();
+    if (invocation.isSet("json"))
+        writeJson(invocation.output, file, {{QStringLiteral("tokens"), tokensJson(tokens)}});
+    else if (!tokens.isEmpty())
+        writeTokens(invocation.output, invocation.style, tokens);
+}
+
+void showOptions(Invocation& invocation, ArgumentFile& file)
+{
+    const ArgFile options = file.options();
+    file.reportMessages();
+    if (invocation.isSet("json"))
+        writeJson(invocation.output, file, optionsJson(options));
+    else if (!file.isBroken())
+        writeOptions(invocation.output, invocation.style, options);
+}
+
+int runArgs(Invocation& invocation)
+{
+    const Command* const command = findCommandNamed(QStringLiteral("args"));
+    const bool asTokens = invocation.isSet("highlight");
+    if (asTokens && invocation.isSet("define"))
+        return reportUsage(command, QStringLiteral("--highlight and -D exclude each other"));
+    ArgumentFile file;
+    const QString problem = file.define(invocation.values("define"));
+    if (!problem.isEmpty())
+        return reportUsage(command, problem);
+    if (!file.read(invocation.arguments.first()))
+        return exitTrouble;
+    if (asTokens)
+        showTokens(invocation, file);
+    else
+        showOptions(invocation, file);
+    return file.hasErrors() ? exitFailed : exitDone;
+}
+
+} // namespace
+
+Command argsCommand()
+{
+    return {"args",
+            "show what an argument file says",
+            "FILE",
+            "Shows the options for a run of treskadd that an argument file holds, as they are\n"
+            "understood, and the command line that says the same. What is wrong with them is\n"
+            "reported. Variables are left as they are unless -D gives one a value; those\n"
+            "without a value are empty then.\n"
+            "\n"
+            "The exit code is 0 if no error was reported, 1 if one was, and 2 if the file\n"
+            "cannot be read. (The flags of files, all but thumbnail, are always reported,\n"
+            "although they count.)\n",
+            {variableOption(),
+             {0, "highlight", nullptr, "list the tokens of the file instead"},
+             {0, "json", nullptr, "print one JSON object instead"}},
+            {"FILE"},
+            1,
+            runArgs};
+}
+
+} // namespace tresk::cli

@@ -1,0 +1,35 @@
+#ifndef TRESK_APPS_TOOLRUN_H
+#define TRESK_APPS_TOOLRUN_H
+
+#include "CommandLine.h"
+
+#include <tresk/TreskRunner.h>
+
+#include <QString>
+
+namespace tresk::cli {
+
+/// Exit codes of the commands that run a tool, where there is none of the tool.
+enum ToolExitCode {
+    toolWrongUsage = 124,
+    toolNotRun = 125, ///< there is nothing to run it with, or its output cannot be written
+    toolNotStarted = 126,
+    toolNotFound = 127
+};
+
+/// What the help texts of these commands say of their exit codes.
+extern const char* const toolExitCodes;
+
+/// The options of these commands that say where the tool is.
+std::vector<Option> toolOptions();
+
+/// Makes @p runner look for the tool where the options say. Returns what is wrong with them, or
+/// nothing.
+QString applyToolOptions(const Invocation& invocation, TreskRunner& runner);
+
+/// Runs the tool called @p name with @p input and relays what it prints. Returns the exit code.
+int runTool(Invocation& invocation, TreskRunner& runner, const QString& name, const QString& input);
+
+} // namespace tresk::cli
+
+#endif
