@@ -15,8 +15,8 @@ namespace tresk::cli {
 
 namespace {
 
-constexpr int megabytes = 64;
-constexpr qint64 largestSize = qint64(megabytes) << 20;
+constexpr int mebibytes = 4; // the list of tokens takes hundreds of times as much
+constexpr qint64 largestSize = qint64(mebibytes) << 20;
 
 bool isVariableName(const QString& name)
 {
@@ -31,7 +31,7 @@ bool isVariableName(const QString& name)
 QString tooLarge()
 {
     return QStringLiteral("has more than %1 MiB, which is too much for an argument file")
-        .arg(megabytes);
+        .arg(mebibytes);
 }
 
 /// Reads all of @p file into @p bytes. Returns what is wrong, or nothing.

@@ -209,7 +209,7 @@ void TestCommandArgsFaults::fileMustBeReadable()
 
 void TestCommandArgsFaults::sizeIsLimited()
 {
-    const qint64 limit = qint64(64) << 20;
+    const qint64 limit = qint64(4) << 20;
     QFile file(m_dir.write(text("large.args"), "-p #"));
     QVERIFY(file.resize(limit));
     const Outcome largest = runTresk({text("args"), file.fileName()});
@@ -220,7 +220,7 @@ void TestCommandArgsFaults::sizeIsLimited()
     const Outcome outcome = runTresk({text("args"), file.fileName()});
     QCOMPARE(outcome.errors,
              "tresk: " + file.fileName().toUtf8()
-                 + ": has more than 64 MiB, which is too much for an argument file\n");
+                 + ": has more than 4 MiB, which is too much for an argument file\n");
     QCOMPARE(outcome.exitCode, 2);
 }
 
