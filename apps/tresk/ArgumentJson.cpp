@@ -47,7 +47,7 @@ QJsonObject pdfJson(const ArgFile& options)
             {QStringLiteral("creator"), textOrNull(options.pdfCreator())}};
 }
 
-QJsonObject fileJson(const WSFile& file)
+QJsonObject wsFileJson(const WSFile& file)
 {
     return {{QStringLiteral("purpose"),
              file.inputFile() ? QStringLiteral("in") : QStringLiteral("out")},
@@ -67,7 +67,7 @@ QJsonObject fileJson(const WSFile& file)
             {QStringLiteral("attributes"), attributesJson(file)}};
 }
 
-QString nameOf(ArgFile::Verbosity verbosity)
+QString verbosityName(ArgFile::Verbosity verbosity)
 {
     switch (verbosity) {
     case ArgFile::Quiet:
@@ -101,13 +101,13 @@ QJsonObject optionsJson(const ArgFile& options)
         outputs += options.outputTreskfile(i);
     QJsonArray files;
     for (int i = 0; i < options.numFiles(); ++i)
-        files += fileJson(options.getConstFile(i));
+        files += wsFileJson(options.getConstFile(i));
     return {{QStringLiteral("outputs"), outputs},
             {QStringLiteral("rootFile"), textOrNull(options.rootfile())},
             {QStringLiteral("rootIsOptional"), options.rootIsOptional()},
             {QStringLiteral("firstPage"), textOrNull(options.firstpage())},
             {QStringLiteral("readMe"), textOrNull(options.readme())},
-            {QStringLiteral("verbosity"), nameOf(options.verbosity())},
+            {QStringLiteral("verbosity"), verbosityName(options.verbosity())},
             {QStringLiteral("pretend"), options.pretend()},
             {QStringLiteral("debug"), options.debugMode()},
             {QStringLiteral("help"), options.showHelp()},

@@ -4,6 +4,7 @@
 #include "Document.h"
 #include "Interruption.h"
 #include "Messages.h"
+#include "Progress.h"
 #include "Range.h"
 #include "TargetDirectory.h"
 
@@ -12,8 +13,6 @@
 namespace tresk::cli {
 
 namespace {
-
-constexpr int blockSize = 100000; // of both queues
 
 using Failure = ContentCopy::Failure;
 
@@ -28,7 +27,7 @@ ContentCopy::ContentCopy(Document& document, std::function<void(qint64)> progres
     : m_document(document)
     , m_progress(std::move(progress))
     , m_extraction(&document.parser())
-    , m_validation(nullptr, blockSize)
+    , m_validation(nullptr, queueBlock)
 {
     QObject::connect(&m_extraction, &LogSource::log, &m_extraction, relayLogLine);
     QObject::connect(&m_validation, &LogSource::log, &m_validation, relayLogLine);
@@ -44,7 +43,7 @@ Failure ContentCopy::copy(const FileTag& file, TargetFile& target)
     // do in one step it is a detour: it opens the target once more, and looks through all files
     // of the document for the one that it is given.
     const bool compressed = file.compression == QLatin1String("flate");
-    if (storedLength(file) <= blockSize || (compressed && file.md5cfile.isEmpty()))
+    if (storedLength(file) <= queueBlock || (compressed && file.md5cfile.isEmpty()))
         return copyThroughReader(file, target);
     return copyThroughQueue(file, target);
 }
@@ -64,7 +63,7 @@ Failure ContentCopy::copyThroughQueue(const FileTag& file, TargetFile& target)
             m_extraction.cancelExtraction();
             break;
         }
-        m_progress(done += blockSize);
+        m_progress(done += queueBlock);
     }
     // The queue takes a stream that ends early for a whole one.
     if (m_valid && target.size() == file.filesize)
@@ -114,7 +113,7 @@ Failure ContentCopy::verify(const FileTag& file, const TargetFile& target)
             m_validation.cancelValidation();
             return interrupted();
         }
-        m_progress(done += blockSize);
+        m_progress(done += queueBlock);
     }
     if (m_valid)
         return {};

@@ -26,7 +26,7 @@ QJsonArray stepsJson(const QList<int>& steps)
     return array;
 }
 
-const char* nameOf(Change::Kind kind)
+const char* kindName(Change::Kind kind)
 {
     switch (kind) {
     case Change::FileRemoved:
@@ -196,7 +196,7 @@ QJsonObject DiffReport::json(const Groups& groups)
     for (const Pair& pair : groups.pairs) {
         QJsonArray changes;
         for (const Change& change : pair.changes) {
-            changes += QJsonObject{{QStringLiteral("kind"), QLatin1String(nameOf(change.kind))},
+            changes += QJsonObject{{QStringLiteral("kind"), QLatin1String(kindName(change.kind))},
                                    {QStringLiteral("what"), change.what},
                                    {QStringLiteral("before"), jsonText(change.before)},
                                    {QStringLiteral("after"), jsonText(change.after)}};

@@ -150,12 +150,12 @@ void Finder::fail(const QString& path, const QString& problem)
 
 // Texts of a marker have escapes, those of a summary document are taken as they stand.
 
-QString titleOf(const Summary& step)
+QString quotedTitle(const Summary& step)
 {
     return step.fromXml ? quoted(step.title) : shownQuoted(step.title);
 }
 
-QString nameOf(const FileSummary& file)
+QString quotedName(const FileSummary& file)
 {
     return file.tagId >= 0 ? shownQuoted(file.filename) : quoted(file.filename);
 }
@@ -216,11 +216,11 @@ void Finder::printBinding(const Binding& binding)
 {
     const Summary& step = *binding.step;
     const QString place = binding.isInStep
-        ? QStringLiteral("step %1 %2").arg(QString::number(step.tagId), titleOf(step))
+        ? QStringLiteral("step %1 %2").arg(QString::number(step.tagId), quotedTitle(step))
         : QStringLiteral("the files without a step");
     const QString file = binding.file
         ? QStringLiteral("file %1 %2 of ")
-              .arg(numberOrDash(binding.file->tagId), nameOf(*binding.file))
+              .arg(numberOrDash(binding.file->tagId), quotedName(*binding.file))
         : QString();
     m_output.write(QStringLiteral("    ") + binding.name + QStringLiteral(": ") + file + place
                    + QLatin1Char('\n'));

@@ -18,9 +18,9 @@ namespace tresk::cli {
 namespace {
 
 /// Prints the steps of a document for people.
-class StepPrinter {
+class LogPrinter {
 public:
-    StepPrinter(Invocation& invocation, const StepFiles& stepFiles, const Summaries& summaries);
+    LogPrinter(Invocation& invocation, const StepFiles& stepFiles, const Summaries& summaries);
 
     void print();
 
@@ -40,8 +40,8 @@ private:
     bool m_verbose;
 };
 
-StepPrinter::StepPrinter(Invocation& invocation, const StepFiles& stepFiles,
-                         const Summaries& summaries)
+LogPrinter::LogPrinter(Invocation& invocation, const StepFiles& stepFiles,
+                       const Summaries& summaries)
     : m_output(invocation.output)
     , m_style(invocation.style)
     , m_stepFiles(stepFiles)
@@ -52,7 +52,7 @@ StepPrinter::StepPrinter(Invocation& invocation, const StepFiles& stepFiles,
 {
 }
 
-void StepPrinter::print()
+void LogPrinter::print()
 {
     for (const SectionTag& step : m_stepFiles.steps()) {
         if (step.id > 0 && !m_oneLine)
@@ -64,7 +64,7 @@ void StepPrinter::print()
     printFilesWithoutStep();
 }
 
-void StepPrinter::printStep(const SectionTag& step)
+void LogPrinter::printStep(const SectionTag& step)
 {
     const Summary& summary = m_summaries.of(step);
     if (m_oneLine) {
@@ -83,7 +83,7 @@ void StepPrinter::printStep(const SectionTag& step)
         printFiles(m_summaries.filesOf(step));
 }
 
-void StepPrinter::printOnOneLine(const SectionTag& step, const Summary& summary)
+void LogPrinter::printOnOneLine(const SectionTag& step, const Summary& summary)
 {
     QStringList details = {printable(summary.tool), userAndHost(summary),
                            countedFiles(step, summary)};
@@ -98,7 +98,7 @@ void StepPrinter::printOnOneLine(const SectionTag& step, const Summary& summary)
 }
 
 /// How many files there are: inputs and outputs, if there is a summary, and embedded ones.
-QString StepPrinter::countedFiles(const SectionTag& step, const Summary& summary) const
+QString LogPrinter::countedFiles(const SectionTag& step, const Summary& summary) const
 {
     QString embedded = QStringLiteral("%1 embedded").arg(m_stepFiles.filesIn(step).size());
     if (!summary.fromXml)
@@ -108,7 +108,7 @@ QString StepPrinter::countedFiles(const SectionTag& step, const Summary& summary
              QString::number(countOutputs(summary.files)), embedded);
 }
 
-void StepPrinter::printFilesWithoutStep()
+void LogPrinter::printFilesWithoutStep()
 {
     const QList<FileSummary> files = m_summaries.filesWithoutStep();
     if (files.isEmpty())
@@ -122,7 +122,7 @@ void StepPrinter::printFilesWithoutStep()
         printFiles(files);
 }
 
-void StepPrinter::printFiles(const QList<FileSummary>& files)
+void LogPrinter::printFiles(const QList<FileSummary>& files)
 {
     Table table({{QString(), Table::Right},
                  {QString(), Table::Left},
@@ -189,7 +189,7 @@ int logDocument(Invocation& invocation, const QString& path)
     if (invocation.isSet("json") || invocation.isSet("jsonl"))
         printJson(invocation, document, stepFiles, summaries);
     else
-        StepPrinter(invocation, stepFiles, summaries).print();
+        LogPrinter(invocation, stepFiles, summaries).print();
     invocation.output.flush();
     const int exitCode = checkRead(document, summaries);
     return document.checkChain() ? exitCode : exitTrouble;

@@ -8,6 +8,9 @@
 
 namespace tresk::cli {
 
+/// How many stored bytes a queue works on before progress is shown again.
+constexpr int queueBlock = 100000;
+
 /// A line at the bottom of the terminal that says how far a long job is: a percentage and, once
 /// they can be told, bytes a second and the time left. Shown on standard error, and only if
 /// that is a terminal and messages are wanted.

@@ -40,9 +40,9 @@ std::optional<QList<SectionTag>> selectSteps(const Document& document, const QSt
 }
 
 /// Prints steps in full for people.
-class StepPrinter {
+class SummaryPrinter {
 public:
-    StepPrinter(Invocation& invocation, const Summaries& summaries)
+    SummaryPrinter(Invocation& invocation, const Summaries& summaries)
         : m_output(invocation.output)
         , m_style(invocation.style)
         , m_summaries(summaries)
@@ -129,7 +129,7 @@ int runShow(Invocation& invocation)
         }
         writeJson(invocation.output, object);
     } else {
-        StepPrinter printer(invocation, summaries);
+        SummaryPrinter printer(invocation, summaries);
         for (const SectionTag& step : *steps) {
             if (all && step.id > 0)
                 invocation.output.write(QByteArray("\n"));

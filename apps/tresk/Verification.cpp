@@ -16,8 +16,6 @@ namespace tresk::cli {
 
 namespace {
 
-constexpr int blockSize = 100000;
-
 /// What can be told of an item from its marker.
 template <typename Tag>
 Fault faultOfMarker(Document& document, const Tag& tag)
@@ -51,7 +49,7 @@ Verification::Verification(Document& document, std::function<void(const Item&)> 
 bool Verification::run(Progress& progress)
 {
     TreskParser& parser = m_document.parser();
-    ValidationQueue queue(&parser, blockSize);
+    ValidationQueue queue(&parser, queueBlock);
     std::optional<bool> valid; // of the item that has just been checked
     const auto note = [&valid](int, bool isValid) { valid = isValid; };
     QString name;
@@ -67,7 +65,7 @@ bool Verification::run(Progress& progress)
     qint64 doneOfItem = 0;
     for (bool more = true; more;) {
         more = queue.process();
-        doneOfItem += blockSize;
+        doneOfItem += queueBlock;
         if (valid) {
             Item& item = m_items[m_next];
             item.fault = faultOf(item, *valid);

@@ -77,11 +77,11 @@ QString TreskRunner::findPython()
 QString TreskRunner::findTreskrun()
 {
     for (const QString& path : qAsConst(m_searchPaths)) {
-        const QString found = searchInPath(path, m_executableName);
+        QString found = searchInPath(path, m_executableName);
         if (!found.isEmpty())
             return found;
     }
-    return QString();
+    return {};
 }
 
 QString TreskRunner::searchInPath(const QString& dir, const QString& file)
