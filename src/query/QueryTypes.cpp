@@ -23,43 +23,43 @@ struct TypeDescriptor {
     int isNot = 0;
 };
 
-const TypeDescriptor text{String, Boolean};
+const TypeDescriptor textType{String, Boolean};
 const TypeDescriptor plainText{String, Number | Date | Boolean};
 const TypeDescriptor dateText{String | Date, Number | Boolean};
 const TypeDescriptor numberText{String | Number, Date | Boolean};
-const TypeDescriptor flag{Boolean, String | Number | Date};
+const TypeDescriptor flagType{Boolean, String | Number | Date};
 const TypeDescriptor anyText{String, 0};
-const TypeDescriptor condition{Boolean, 0};
-const TypeDescriptor nothing{0, String | Number | Date | Boolean};
+const TypeDescriptor conditionType{Boolean, 0};
+const TypeDescriptor nothingType{0, String | Number | Date | Boolean};
 
 const QHash<QString, TypeDescriptor>& attributeTypes()
 {
     static const QHash<QString, TypeDescriptor> types{
         {QStringLiteral("hash"), plainText},
         {QStringLiteral("tagid"), numberText},
-        {QStringLiteral("treskrootfile"), text},
+        {QStringLiteral("treskrootfile"), textType},
         {QStringLiteral("timestamp"), dateText},
-        {QStringLiteral("title"), text},
-        {QStringLiteral("description"), text},
-        {QStringLiteral("comment"), text},
-        {QStringLiteral("command"), text},
-        {QStringLiteral("tool"), text},
-        {QStringLiteral("toolpath"), text},
-        {QStringLiteral("host"), text},
-        {QStringLiteral("user"), text},
-        {QStringLiteral("creator"), text},
-        {QStringLiteral("iswfs"), flag},
-        {QStringLiteral("isfile"), flag},
-        {QStringLiteral("userattrs"), text},
-        {QStringLiteral("filename"), text},
-        {QStringLiteral("filepath"), text},
-        {QStringLiteral("filetype"), text},
+        {QStringLiteral("title"), textType},
+        {QStringLiteral("description"), textType},
+        {QStringLiteral("comment"), textType},
+        {QStringLiteral("command"), textType},
+        {QStringLiteral("tool"), textType},
+        {QStringLiteral("toolpath"), textType},
+        {QStringLiteral("host"), textType},
+        {QStringLiteral("user"), textType},
+        {QStringLiteral("creator"), textType},
+        {QStringLiteral("iswfs"), flagType},
+        {QStringLiteral("isfile"), flagType},
+        {QStringLiteral("userattrs"), textType},
+        {QStringLiteral("filename"), textType},
+        {QStringLiteral("filepath"), textType},
+        {QStringLiteral("filetype"), textType},
         {QStringLiteral("lastmodified"), dateText},
-        {QStringLiteral("embedded"), flag},
-        {QStringLiteral("compressed"), flag},
+        {QStringLiteral("embedded"), flagType},
+        {QStringLiteral("compressed"), flagType},
         {QStringLiteral("filepurpose"), plainText},
-        {QStringLiteral("isinfile"), flag},
-        {QStringLiteral("isoutfile"), flag},
+        {QStringLiteral("isinfile"), flagType},
+        {QStringLiteral("isoutfile"), flagType},
         {QStringLiteral("filesize"), numberText},
         {QStringLiteral("cfilesize"), numberText},
         {QStringLiteral("md5"), plainText},
@@ -124,7 +124,7 @@ private:
         if (node.token.isString())
             return typeOfString(node.token.value(), m_today);
         if (!node.token.isVariable())
-            return condition;
+            return conditionType;
         const QString attribute = node.token.variableAttribute();
         if (attribute.startsWith(QLatin1String("user:")))
             return anyText;
@@ -134,7 +134,7 @@ private:
         report(node.token,
                translate("error at pos %1: attribute %2 does not exist.")
                    .arg(QString::number(node.begin), attribute));
-        return nothing;
+        return nothingType;
     }
 
     void checkOperator(const QueryNode& node)
