@@ -1,21 +1,12 @@
 // Trees of steps: reading them from documents, and comparing them.
 
-#include "Assignment.h"
 #include "Data.h"
 #include "PairedRuns.h"
+#include "TreeComparison.h"
 
-#include <tresk/CostMatrix.h>
-#include <tresk/Path.h>
-#include <tresk/PriorityQueue.h>
 #include <tresk/SummaryCreator.h>
-#include <tresk/TreskDiff.h>
 #include <tresk/TreskParser.h>
 #include <tresk/WorkflowTree.h>
-#include <tresk/WorkflowstepCosts.h>
-
-#include <QLoggingCategory>
-
-#include <sys/resource.h>
 
 using namespace treskbench;
 using namespace tresk;
@@ -62,48 +53,10 @@ WorkflowTree history(int steps, Kind kind)
     return tree;
 }
 
-/// The number of paths that the search pops until it has the best pairing.
-int poppedPaths(const WorkflowTree& first, const WorkflowTree& second)
-{
-    const WorkflowstepCosts costs;
-    const CostMatrix matrix(first, second, &costs);
-    PathExpander expander(&first, &second, &matrix);
-    PriorityQueue<QSharedPointer<Path>> queue;
-    queue.push(QSharedPointer<Path>::create(&expander), 0);
-    for (int popped = 1;; ++popped) {
-        const QSharedPointer<Path> path = queue.pop().first;
-        if (path->reachedGoal())
-            return popped;
-        path->expand(queue);
-    }
-}
-
-double peakMebibytes()
-{
-    rusage usage{};
-    getrusage(RUSAGE_SELF, &usage);
-    return double(usage.ru_maxrss) / 1024;
-}
-
 void compare(benchmark::State& state, Kind kind)
 {
-    QLoggingCategory::setFilterRules(QStringLiteral("tresk.debug=false"));
     const int steps = int(state.range(0));
-    const WorkflowTree first = history(steps, kind);
-    const WorkflowTree second = history(steps, kind);
-    WorkflowstepCosts costs;
-    const auto diff = [&] {
-        if (!TreskDiff(first, second, &costs).findBestMatch())
-            qFatal("no result");
-    };
-    const CostMatrix matrix(first, second, &costs);
-    const auto assignment = [&] {
-        benchmark::DoNotOptimize(
-            assignmentCost(steps, [&](int i, int j) { return double(matrix.costs(i, j)); }));
-    };
-    runPairs(state, inProcess(diff), inProcess(assignment));
-    state.counters["peak_MiB"] = peakMebibytes();
-    state.counters["popped"] = poppedPaths(first, second);
+    compareTrees(state, history(steps, kind), history(steps, kind));
 }
 
 void compareDistinct(benchmark::State& state)

@@ -11,7 +11,9 @@
 
 namespace tresk {
 
+class CostMatrix;
 class Path;
+class PathExpander;
 class WorkflowstepCosts;
 
 /// How the steps of two trees correspond.
@@ -57,13 +59,24 @@ public:
 
     /// The @p n cheapest pairings, cheapest first; fewer where there are no more.
     ///
-    /// The search is exact, and exponential in the number of steps where the trees have little in
-    /// common. Its result is the same in every process, ties included.
+    /// A Dijkstra search over Paths finds them, unless the trees have so little in common that more
+    /// than 400000 paths, about 64 MB, are open or found. Then another exact search takes over,
+    /// which has a better estimate of what is still to pay: by assignments. Of pairings that cost
+    /// the same (a Path's priority counts) it takes and lists those first that follow the cheapest
+    /// assignment, and prefers steps whose parents and children are alike. Either way the result is
+    /// the same in every process.
+    ///
+    /// The second search is limited too: to about 128 MB and some seconds of work, and to trees of
+    /// about 1000 steps each, beyond which each step gets the cheapest partner in turn. Then the
+    /// best pairings found so far are returned, and a message of type 1 says what the last of them
+    /// costs and what others may cost.
     QList<TreskDiffResult> findBestMatches(int n) const;
     /// The cheapest pairing; null if there is none.
     QSharedPointer<TreskDiffResult> findBestMatch() const;
 
 private:
+    QList<QSharedPointer<Path>> findPaths(const CostMatrix& matrix, PathExpander& expander,
+                                          int n) const;
     static TreskDiffResult convertPath(const Path& path);
 
     WorkflowTree m_tree1;

@@ -7,22 +7,15 @@
 #include "tree/HashOrder.h"
 #include "tree/MissingParents.h"
 #include "tree/OpenCosts.h"
+#include "tree/Priority.h"
 
 #include <QDebug>
 
-#include <limits>
 #include <vector>
 
 namespace tresk {
 
 namespace {
-
-/// @p cost without its fraction; the smallest int where that does not fit one.
-int priorityOf(float cost)
-{
-    const bool fits = cost >= -2147483648.0F && cost < 2147483648.0F;
-    return fits ? int(cost) : std::numeric_limits<int>::min();
-}
 
 std::vector<int> openNodes(const QList<int>& ids, const QHash<int, int>& decided)
 {

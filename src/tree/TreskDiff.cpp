@@ -4,9 +4,14 @@
 #include <tresk/Dijkstra.h>
 #include <tresk/Path.h>
 
+#include "tree/PairingSearch.h"
+#include "tree/Priority.h"
+
 namespace tresk {
 
 namespace {
+
+constexpr int mostOpenPaths = 400000; // about 64 MB
 
 /// What to look up for tree @p t: @p first, @p second or, for another value, neither.
 template <typename Table>
@@ -82,12 +87,35 @@ QList<TreskDiffResult> TreskDiff::findBestMatches(int n) const
 {
     const CostMatrix matrix(m_tree1, m_tree2, m_costs);
     PathExpander expander(&m_tree1, &m_tree2, &matrix);
-    const auto start = QSharedPointer<Path>::create(&expander);
-    const QList<QSharedPointer<Path>> paths = Dijkstra<Path>().findPaths(start, n);
+    const QList<QSharedPointer<Path>> paths = findPaths(matrix, expander, n);
     QList<TreskDiffResult> results;
     for (const QSharedPointer<Path>& path : paths)
         results.append(convertPath(*path));
     return results;
+}
+
+/// The paths of the @p n cheapest pairings, by the plain search if that can afford it.
+QList<QSharedPointer<Path>> TreskDiff::findPaths(const CostMatrix& matrix, PathExpander& expander,
+                                                 int n) const
+{
+    {
+        Dijkstra<Path> search;
+        const auto start = QSharedPointer<Path>::create(&expander);
+        const QList<QSharedPointer<Path>> paths = search.findPaths(start, n, mostOpenPaths);
+        if (!search.gaveUp())
+            return paths;
+    }
+    const FoundPaths found = findPairings(m_tree1, m_tree2, matrix, expander, n);
+    if (found.gap > 0) {
+        const int priority = priorityOf(found.paths.last()->getCosts());
+        Q_EMIT const_cast<TreskDiff*>(this)->log(
+            tr("The histories differ too much to be sure of the cheapest pairing: the one found "
+               "costs "
+               "%1, others may cost from %2 on")
+                .arg(QString::number(priority), QString::number(priority - found.gap)),
+            1);
+    }
+    return found.paths;
 }
 
 QSharedPointer<TreskDiffResult> TreskDiff::findBestMatch() const

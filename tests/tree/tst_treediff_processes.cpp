@@ -1,5 +1,8 @@
+#include "LargeHistories.h"
 #include "RandomTrees.h"
 #include "SearchText.h"
+
+#include <tresk/TreskDiff.h>
 
 #include <QCoreApplication>
 #include <QProcess>
@@ -34,6 +37,24 @@ QByteArray orderOfHash()
     return text;
 }
 
+/// The three best results of histories that are too large for the search by paths.
+QString findings(const tresktest::Histories& histories)
+{
+    tresk::WorkflowstepCosts costs;
+    const tresk::TreskDiff diff(histories.first, histories.second, &costs);
+    QString text = QStringLiteral("large:");
+    QObject::connect(&diff, &tresk::TreskDiff::log, &diff,
+                     [&](const QString& message) { text += message + QLatin1Char('\n'); });
+    const QList<tresk::TreskDiffResult> results = diff.findBestMatches(3);
+    for (const tresk::TreskDiffResult& result : results) {
+        const QList<int> ids = histories.first.nodeIds();
+        for (const int id : ids)
+            text += QStringLiteral(" %1").arg(result.association(id, tresk::FirstTree));
+        text += QLatin1Char('\n');
+    }
+    return text;
+}
+
 /// What is found for some pairs of trees, most of them with many ties.
 QByteArray findings()
 {
@@ -56,6 +77,9 @@ QByteArray findings()
         const ModelProblem problem = random.similarTrees();
         text += found(problem, 1) + QLatin1Char('\n');
     }
+    const tresktest::Parents groups = tresktest::groupedParents(20, 5);
+    text += findings(tresktest::unrelatedHistories(40));
+    text += findings(tresktest::mixedHistories(groups, groups));
     return text.toUtf8();
 }
 
@@ -80,6 +104,7 @@ void TestTreeDiffProcesses::allProcessesFindTheSame()
 {
     const QByteArray expected = findings();
     QVERIFY(expected.count("FINISHED") > 200);
+    QCOMPARE(int(expected.count("large:")), 2);
     QSet<QByteArray> orders;
     // Qt 6 knows the seed 0 only, and takes one of its own choice for the others.
     for (const char* const seed : {"0", "1", "42", "4711", static_cast<const char*>(nullptr)}) {
