@@ -2,6 +2,7 @@
 #include "DiffReport.h"
 #include "HistoryTree.h"
 #include "Invocation.h"
+#include "Messages.h"
 
 #include <tresk/TreskDiff.h>
 #include <tresk/WorkflowstepCosts.h>
@@ -40,8 +41,12 @@ int runDiff(Invocation& invocation)
         return exitTrouble;
 
     WorkflowstepCosts costs;
-    const TreskDiff diff(first.tree(), second.tree(), &costs);
+    TreskDiff diff(first.tree(), second.tree(), &costs);
     DiffReport report(invocation, first, second);
+    QObject::connect(&diff, &LogSource::log, &diff, [&](const QString& message) {
+        reportWarning(first.name() + QStringLiteral(", ") + second.name(), message);
+        report.setUncertain();
+    });
     const QList<TreskDiffResult> results = diff.findBestMatches(wanted);
     for (const TreskDiffResult& result : results)
         report.add(result);
@@ -64,7 +69,8 @@ Command diffCommand()
             "steps that only one document has, and the pairs that have moved.\n"
             "\n"
             "The exit code is 0 if the histories are the same, 1 if they differ, and 2 in case\n"
-            "of trouble. The more the histories differ the longer it takes.\n",
+            "of trouble. Where large histories differ so much that the best way of pairing\n"
+            "their steps takes too long to find, a good one is shown, and a warning says so.\n",
             {{'n', "number", "N", "show the N best ways of pairing the steps, best first"},
              {0, "dot", nullptr, "print a graph for Graphviz instead, of the best way"},
              {0, "json", nullptr, "print one JSON object instead"}},

@@ -82,6 +82,7 @@ void DiffReport::finish()
               {{QStringLiteral("first"), m_first.name()},
                {QStringLiteral("second"), m_second.name()},
                {QStringLiteral("same"), m_bestIsSame},
+               {QStringLiteral("certain"), m_certain},
                {QStringLiteral("results"), m_results}});
 }
 

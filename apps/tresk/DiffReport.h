@@ -22,6 +22,8 @@ public:
     /// All of them must outlive the object.
     DiffReport(Invocation& invocation, const HistoryTree& first, const HistoryTree& second);
 
+    /// Notes that there may be better ways than those that are added.
+    void setUncertain() { m_certain = false; }
     /// Adds a way of pairing the steps; the best comes first.
     void add(const TreskDiffResult& result);
     /// Writes what has to come at the end.
@@ -67,6 +69,7 @@ private:
     bool m_several;
     int m_count = 0;
     bool m_bestIsSame = false;
+    bool m_certain = true;
     QJsonArray m_results;
 };
 

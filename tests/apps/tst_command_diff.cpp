@@ -25,6 +25,7 @@ private Q_SLOTS:
     void wrongNumbers();
     void jsonTellsAll();
     void dotDrawsBothSides();
+    void uncertainResult();
     void trouble();
 
 private:
@@ -50,6 +51,28 @@ SectionSpec titled(const char* title, const QVector<FileSpec>& files = {})
 }
 
 } // namespace
+
+/// A document with the steps under step @p parent of 60, -1 at the top, which hang under each other
+/// at random; nothing if there are none. Half of them are called @p name and a number, the others
+/// are of few kinds.
+QByteArray tangledHistory(int parent, const char* name)
+{
+    QVector<SectionSpec> steps;
+    for (int i = parent + 1; i < 60; ++i) {
+        const int parentOfStep = i == 0 ? -1 : i * 7919 % 101 % (i + 1) - 1;
+        if (parentOfStep != parent)
+            continue;
+        const bool isCommon = i % 4 > 1;
+        const QByteArray number = QByteArray::number(isCommon ? i / 12 : i);
+        const QByteArray title = (isCommon ? "common " : name) + number;
+        const QByteArray below = tangledHistory(i, name);
+        QVector<FileSpec> files;
+        if (!below.isEmpty())
+            files += FileSpec::flate(text("below.tresk"), below);
+        steps += titled(title.constData(), files);
+    }
+    return steps.isEmpty() ? QByteArray() : documentWith(steps);
+}
 
 Outcome TestCommandDiff::diff(const QByteArray& first, const QByteArray& second,
                               const QStringList& options) const
@@ -167,6 +190,7 @@ void TestCommandDiff::jsonTellsAll()
                                  documentWith({titled("one")}), {text("--json")});
     const QJsonObject object = jsonObject(outcome.output);
     QCOMPARE(object.value(text("same")).toBool(true), false);
+    QCOMPARE(object.value(text("certain")).toBool(false), true);
     QCOMPARE(object.value(text("second")).toString(), text("b.pdf"));
     const QJsonObject result = object.value(text("results")).toArray().at(0).toObject();
     QCOMPARE(result.value(text("onlyFirst")).toArray(), QJsonArray{0});
@@ -192,6 +216,21 @@ void TestCommandDiff::dotDrawsBothSides()
                    "  subgraph cluster_a {\n    label=\"a.pdf\";\n    a0 [label=\"one\"];\n  }\n"
                    "  subgraph cluster_b {\n    label=\"b.pdf\";\n    b0 [label=\"one\"];\n  }\n"
                    "  a0 -> b0 [dir=none, constraint=false, style=solid];\n}\n"));
+}
+
+void TestCommandDiff::uncertainResult()
+{
+    const Outcome outcome = diff(tangledHistory(-1, "a"), tangledHistory(-1, "b"),
+                                 {text("--json")});
+    QVERIFY2(outcome.errors.startsWith("tresk: a.pdf, b.pdf: warning: The histories differ too "
+                                       "much to be sure of the cheapest pairing: the one found "
+                                       "costs "),
+             outcome.errors.constData());
+    QCOMPARE(outcome.errors.count('\n'), 1);
+    const QJsonObject object = jsonObject(outcome.output);
+    QCOMPARE(object.value(text("certain")).toBool(true), false);
+    QCOMPARE(object.value(text("results")).toArray().size(), 1);
+    QCOMPARE(outcome.exitCode, 1);
 }
 
 void TestCommandDiff::trouble()
