@@ -4,9 +4,10 @@
 #include <tresk/Export.h>
 
 #include <QHash>
-#include <QList>
 #include <QString>
 #include <QStringList>
+
+#include <vector>
 
 namespace tresk {
 
@@ -205,7 +206,7 @@ public:
     /// Likewise the last file.
     WSFile* lastFile();
     /// A copy of the @p i th file; a default one if there is none.
-    WSFile getConstFile(int i) const { return m_files.value(i); }
+    WSFile getConstFile(int i) const;
     /// Does nothing if there is no @p i th file.
     void removeFile(int i);
     int numFiles() const { return int(m_files.size()); }
@@ -226,7 +227,10 @@ public:
 private:
     QStringList words() const;
 
-    QList<WSFile> m_files;
+    bool hasFile(int i) const { return i >= 0 && i < numFiles(); }
+
+    // No QList: a pointer into one that shares with a copy would reach both.
+    std::vector<WSFile> m_files;
     QStringList m_outputTreskfiles;
     Verbosity m_verbosity = Normal;
     bool m_rootIsOptional = false;

@@ -3,6 +3,8 @@
 #include <QDir>
 #include <QFileInfo>
 
+#include <utility>
+
 namespace tresk {
 
 void UserAttributes::addUserAttribute(const QString& key, const QString& value)
@@ -91,32 +93,37 @@ void ArgFile::clearVariables()
     // All that is neither a list nor the root file, which callers rely on being kept.
     ArgFile cleared;
     cleared.UserAttributes::operator=(*this);
-    cleared.m_files = m_files;
+    cleared.m_files = std::move(m_files); // pointers into it stay valid
     cleared.m_outputTreskfiles = m_outputTreskfiles;
     cleared.m_rootfile = m_rootfile;
-    *this = cleared;
+    *this = std::move(cleared);
 }
 
 WSFile* ArgFile::addFile(const WSFile& file)
 {
-    m_files.append(file);
-    return &m_files.last();
+    m_files.push_back(file);
+    return &m_files.back();
 }
 
 WSFile* ArgFile::getFile(int i)
 {
-    return i >= 0 && i < m_files.size() ? &m_files[i] : nullptr;
+    return hasFile(i) ? &m_files[std::size_t(i)] : nullptr;
 }
 
 WSFile* ArgFile::lastFile()
 {
-    return m_files.isEmpty() ? nullptr : &m_files.last();
+    return m_files.empty() ? nullptr : &m_files.back();
+}
+
+WSFile ArgFile::getConstFile(int i) const
+{
+    return hasFile(i) ? m_files[std::size_t(i)] : WSFile();
 }
 
 void ArgFile::removeFile(int i)
 {
-    if (i >= 0 && i < m_files.size())
-        m_files.removeAt(i);
+    if (hasFile(i))
+        m_files.erase(m_files.begin() + i);
 }
 
 QStringList ArgFile::words() const

@@ -53,6 +53,7 @@ private Q_SLOTS:
     void removeFile_data();
     void removeFile();
     void copiesAreIndependent();
+    void copiesAreDeepWherePointersWereTaken();
 };
 
 void TestArgFile::defaults()
@@ -234,6 +235,32 @@ void TestArgFile::copiesAreIndependent()
     assigned.clearRootTreskfiles();
     QCOMPARE(textOf(assigned), QStringList());
     QCOMPARE(textOf(original), changed);
+}
+
+void TestArgFile::copiesAreDeepWherePointersWereTaken()
+{
+    ArgFile original;
+    original.addFile(WSFile());
+    WSFile* const added = original.addFile(namedFile("a"));
+    const ArgFile copy(original);
+    added->setComment(str("changed"));
+    QCOMPARE(copy.getConstFile(1).comment(), QString());
+
+    WSFile* const taken = original.getFile(0);
+    ArgFile assigned;
+    assigned = original;
+    WSFile* const last = assigned.lastFile();
+    const ArgFile second = assigned;
+    taken->setComment(str("taken"));
+    last->setComment(str("last"));
+    QCOMPARE(assigned.getConstFile(0).comment(), QString());
+    QCOMPARE(original.getConstFile(1).comment(), str("changed"));
+    QCOMPARE(second.getConstFile(1).comment(), str("changed"));
+
+    // The list of files stays, and so do the pointers into it.
+    original.clearVariables();
+    taken->setComment(str("kept"));
+    QCOMPARE(original.getConstFile(0).comment(), str("kept"));
 }
 
 QTEST_GUILESS_MAIN(TestArgFile)
