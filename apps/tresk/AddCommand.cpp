@@ -29,11 +29,10 @@ Command addCommand()
     static const QByteArray description =
         QByteArray(
             "Runs the tool treskadd, which adds a step to a document, and hands it the text\n"
-            "of an argument file as it is. What the tool prints is shown while it runs,\n"
-            "errors and warnings on standard error. The tool lies in the directory of tresk\n"
-            "itself, or in one that --search-path names.\n"
+            "of an argument file: as it stands there, but for a byte-order mark, which is\n"
+            "dropped, and what is not UTF-8, which is reported and replaced by U+FFFD.\n"
             "\n")
-        + toolExitCodes;
+        + toolDescription;
     return {"add",
             "run treskadd, which adds a step to a document",
             "ARGFILE",

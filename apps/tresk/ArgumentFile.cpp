@@ -125,10 +125,11 @@ bool ArgumentFile::read(const QString& path)
         reportError(m_name, problem);
         return false;
     }
+    // Qt drops one byte-order mark; a second one is a character of the text.
+    m_text = QString::fromUtf8(bytes.constData(), int(bytes.size()));
     const QByteArray byteOrderMark = "\xEF\xBB\xBF";
     if (bytes.startsWith(byteOrderMark))
         bytes.remove(0, byteOrderMark.size());
-    m_text = QString::fromUtf8(bytes.constData(), int(bytes.size()));
     if (m_text.toUtf8() != bytes) {
         m_messages += {ArgumentMessage::Warning,
                        QStringLiteral("is not UTF-8 throughout; what is not was replaced by "

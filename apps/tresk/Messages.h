@@ -2,6 +2,7 @@
 #define TRESK_APPS_MESSAGES_H
 
 #include <QString>
+#include <QStringView>
 
 /// What is said to the user on standard error, one line each.
 namespace tresk::cli {
@@ -22,11 +23,11 @@ void catchLogLines();
 /// Something that makes the command fail: "tresk: " and @p text, which is made printable.
 void reportError(const QString& text);
 /// The same about @p subject, a document for instance: "tresk: SUBJECT: TEXT".
-void reportError(const QString& subject, const QString& text);
+void reportError(const QString& subject, QStringView text);
 /// Something to know about @p subject that lets the command succeed nevertheless.
-void reportWarning(const QString& subject, const QString& text);
+void reportWarning(const QString& subject, QStringView text);
 /// Something about @p subject that need not be right or wrong.
-void reportNote(const QString& subject, const QString& text);
+void reportNote(const QString& subject, QStringView text);
 /// A line that the library logged; said only when verbose.
 void relayLogLine(const QString& text);
 

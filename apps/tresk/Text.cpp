@@ -2,9 +2,20 @@
 
 #include "Characters.h"
 
+#include <algorithm>
+
 namespace tresk::cli {
 
 namespace {
+
+/// A backslash, @p letter and @p digits hexadecimal ones. There may be millions in a text.
+QString escape(char letter, char32_t c, int digits)
+{
+    QChar characters[10] = {QLatin1Char('\\'), QLatin1Char(letter)};
+    for (int i = digits + 1; i > 1; --i, c >>= 4)
+        characters[i] = QLatin1Char("0123456789abcdef"[c & 0xF]);
+    return QString(characters, digits + 2);
+}
 
 QString writtenOut(char32_t c)
 {
@@ -17,10 +28,8 @@ QString writtenOut(char32_t c)
     // Lone surrogates of this range are the bytes of a file name that is not UTF-8.
     const bool byte = c >= 0xDC80 && c <= 0xDCFF;
     if (c < 0x100 || byte)
-        return QStringLiteral("\\x%1").arg(c & 0xFF, 2, 16, QLatin1Char('0'));
-    if (c < 0x10000)
-        return QStringLiteral("\\u%1").arg(uint(c), 4, 16, QLatin1Char('0'));
-    return QStringLiteral("\\U%1").arg(uint(c), 8, 16, QLatin1Char('0'));
+        return escape('x', c, 2);
+    return c < 0x10000 ? escape('u', c, 4) : escape('U', c, 8);
 }
 
 } // namespace
@@ -67,6 +76,17 @@ bool isUnprintable(char32_t c)
 QString printable(const QString& text)
 {
     return replaceCharacters(text, isUnprintable, writtenOut);
+}
+
+void forPrintable(QStringView text, const std::function<void(const QString&)>& take)
+{
+    const decltype(text.size()) longest = 64 * 1024;
+    for (decltype(text.size()) begin = 0, end = 0; begin < text.size(); begin = end) {
+        end = std::min(begin + longest, text.size());
+        if (end < text.size() && text[end - 1].isHighSurrogate())
+            --end;
+        take(printable(text.mid(begin, end - begin).toString()));
+    }
 }
 
 QString shown(const QString& stored)

@@ -2,6 +2,9 @@
 #define TRESK_APPS_TEXT_H
 
 #include <QString>
+#include <QStringView>
+
+#include <functional>
 
 /// Texts from documents, made fit for people and their terminals.
 namespace tresk::cli {
@@ -17,6 +20,10 @@ bool isUnprintable(char32_t c);
 
 /// @p text with everything unprintable written out, such as `\n`, `\x1b` or `\u202e`.
 QString printable(const QString& text);
+
+/// Hands printable(@p text) to @p take, a long one piece by piece: written out, it may take ten
+/// times the memory.
+void forPrintable(QStringView text, const std::function<void(const QString&)>& take);
 
 /// A marker's value as it is shown to people: printable(unescaped(@p stored)).
 QString shown(const QString& stored);

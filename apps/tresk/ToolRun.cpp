@@ -3,6 +3,7 @@
 #include "Interruption.h"
 #include "Invocation.h"
 #include "Messages.h"
+#include "SystemText.h"
 #include "Text.h"
 
 #include <tresk/BinaryDir.h>
@@ -21,17 +22,33 @@ constexpr int startedNone = -1001;
 
 QString absolutePath(const QString& directory)
 {
+    // By hand, since Qt takes a colon at the beginning for something else than a file.
+    const QString path = directory.startsWith(QLatin1Char('/'))
+        ? directory
+        : QDir::currentPath() + QLatin1Char('/') + directory;
     // Where there is one, without symbolic links, on which ".." would take another way.
-    const QString canonical = QFileInfo(directory).canonicalFilePath();
-    return canonical.isEmpty() ? QDir(directory).absolutePath() : canonical;
+    const QString canonical = QFileInfo(path).canonicalFilePath();
+    return canonical.isEmpty() ? QDir::cleanPath(path) : canonical;
 }
 
-/// Tells people what a tool prints while it prints it.
+/// What an error or a warning says, of which the runner has taken the mark off: behind that there
+/// often is a colon.
+QStringView withoutColon(QStringView line)
+{
+    QStringView text = line.trimmed();
+    while (!text.isEmpty() && (text.front() == QLatin1Char(':') || text.front().isSpace()))
+        text = text.mid(1);
+    return text;
+}
+
+/// Tells people what the tool called @p name, which was found at @p path, prints while it prints
+/// it.
 class Relay {
 public:
-    Relay(Invocation& invocation, const QString& name)
+    Relay(Invocation& invocation, const QString& name, const QString& path)
         : m_output(invocation.output)
         , m_name(name)
+        , m_path(path)
     {
     }
 
@@ -42,12 +59,13 @@ public:
             return;
         }
         m_output.flush(); // so that it stands in its place among the lines
-        // Behind the mark of an error there often is a colon.
-        QString text = line.trimmed();
-        while (text.startsWith(QLatin1Char(':')) || text.startsWith(QLatin1Char(' ')))
-            text.remove(0, 1);
+        const QStringView text = withoutColon(line);
         if (kind == 1)
             reportWarning(m_name, text);
+        else if (text.isEmpty())
+            reportError(m_name, QStringLiteral("error"));
+        else if (line.startsWith(m_path + QLatin1Char(' '))) // What the runner says of the tool.
+            reportError(m_name, QDir::cleanPath(m_path) + text.mid(m_path.size()).toString());
         else
             reportError(m_name, text);
     }
@@ -56,14 +74,18 @@ private:
     void relayInformation(const QString& line)
     {
         // A line of the tool ends with one line feed, what the runner adds with two.
-        if (line.endsWith(QLatin1String("\n\n")))
+        if (line.endsWith(QLatin1String("\n\n"))) {
             relayLogLine(line);
-        else if (verbosity() != Verbosity::Quiet)
-            m_output.write(printable(line.chopped(1)) + QLatin1Char('\n'));
+        } else if (verbosity() != Verbosity::Quiet) {
+            forPrintable(QStringView(line).chopped(1),
+                         [this](const QString& piece) { m_output.write(piece); });
+            m_output.write(QByteArray("\n"));
+        }
     }
 
     Output& m_output;
     QString m_name;
+    QString m_path;
 };
 
 int reportMissing(const Invocation& invocation, const QString& file)
@@ -76,7 +98,11 @@ int reportMissing(const Invocation& invocation, const QString& file)
 
 } // namespace
 
-const char* const toolExitCodes =
+const char* const toolDescription =
+    "What the tool prints is shown while it runs, errors and warnings on standard\n"
+    "error. The tool lies in the directory of tresk itself, or in one that\n"
+    "--search-path names.\n"
+    "\n"
     "The exit code is that of the tool, or the number of the signal that ended it;\n"
     "124 for wrong usage, 125 if the argument file or the output cannot be worked\n"
     "with, 126 if the tool cannot be started, 127 if it is not found.\n";
@@ -94,6 +120,8 @@ QString applyToolOptions(const Invocation& invocation, TreskRunner& runner)
     for (const QString& directory : invocation.values("search-path")) {
         if (directory.isEmpty())
             return QStringLiteral("--search-path takes a directory");
+        if (isUndecoded(directory))
+            return QStringLiteral("the directory of --search-path is not UTF-8");
         paths += binaryDir.relativeFilePath(absolutePath(directory));
     }
     runner.setSearchPaths(paths);
@@ -101,15 +129,17 @@ QString applyToolOptions(const Invocation& invocation, TreskRunner& runner)
     return {};
 }
 
-int runTool(Invocation& invocation, TreskRunner& runner, const QString& name, const QString& input)
+int runTool(Invocation& invocation, TreskRunner& runner, const QString& name, const QString& input,
+            const QString& reason)
 {
-    if (runner.findTreskrun().isEmpty())
+    const QString path = runner.findTreskrun();
+    if (path.isEmpty())
         return reportMissing(invocation,
                              runner.getUsePy2Exe() ? name : name + QStringLiteral(".py"));
     // A signal that the tool also gets is its business; the command sees it through.
     watchForInterruption();
     Output& output = invocation.output;
-    Relay relay(invocation, name);
+    Relay relay(invocation, name, path);
     QObject::connect(&runner, &LogSource::log, &runner,
                      [&relay](const QString& line, int kind) { relay.relay(line, kind); });
     QObject::connect(&runner, &TreskRunner::intercept, &runner, [&output] { output.flush(); });
@@ -117,8 +147,11 @@ int runTool(Invocation& invocation, TreskRunner& runner, const QString& name, co
     output.flush();
     if (exitCode == foundNone)
         return toolNotFound;
-    if (exitCode == startedNone)
+    if (exitCode == startedNone) {
+        if (!reason.isEmpty())
+            reportError(name, reason);
         return toolNotStarted;
+    }
     // Of a reader that has gone away the exit code tells as with every command.
     if (exitCode == 0 && output.error() != 0 && output.error() != EPIPE)
         return toolNotRun;

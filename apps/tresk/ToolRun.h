@@ -17,8 +17,8 @@ enum ToolExitCode {
     toolNotFound = 127
 };
 
-/// What the help texts of these commands say of their exit codes.
-extern const char* const toolExitCodes;
+/// What the help texts of these commands have in common: all but what the tool does.
+extern const char* const toolDescription;
 
 /// The options of these commands that say where the tool is.
 std::vector<Option> toolOptions();
@@ -27,8 +27,10 @@ std::vector<Option> toolOptions();
 /// nothing.
 QString applyToolOptions(const Invocation& invocation, TreskRunner& runner);
 
-/// Runs the tool called @p name with @p input and relays what it prints. Returns the exit code.
-int runTool(Invocation& invocation, TreskRunner& runner, const QString& name, const QString& input);
+/// Runs the tool called @p name with @p input and relays what it prints. If it cannot be started,
+/// @p reason is reported as well, unless it is empty. Returns the exit code.
+int runTool(Invocation& invocation, TreskRunner& runner, const QString& name, const QString& input,
+            const QString& reason = QString());
 
 } // namespace tresk::cli
 

@@ -6,9 +6,14 @@
 
 #include <tresk/TreskdelRunner.h>
 
+#include <QFile>
+
 namespace tresk::cli {
 
 namespace {
+
+/// What one argument of a program can have on Linux, with the zero at its end.
+constexpr int longestArgument = 128 * 1024; // bytes
 
 /// The request that takes the step of @p file out of its documents again; empty, after it was
 /// reported, if there is none that can be relied on.
@@ -27,7 +32,21 @@ QString requestFrom(ArgumentFile& file)
     else if (request.isEmpty())
         reportError(file.name(),
                     QStringLiteral("names no document to write (-O or -A); nothing is undone"));
-    return request;
+    if (!request.contains(QChar(QChar::Null)))
+        return request;
+    reportError(file.name(),
+                QStringLiteral("names a document with a zero byte in its path, behind which "
+                               "treskdel would see nothing; nothing is undone"));
+    return {};
+}
+
+/// Why treskdel cannot be started with @p request, as far as that is the reason; else empty.
+QString reasonNotToStart(const QString& request)
+{
+    const auto size = QFile::encodeName(request).size();
+    if (size < longestArgument)
+        return {};
+    return QStringLiteral("the request of %1 bytes is too long to be handed over").arg(size);
 }
 
 int runUndo(Invocation& invocation)
@@ -45,7 +64,8 @@ int runUndo(Invocation& invocation)
     const QString request = requestFrom(file);
     if (request.isEmpty())
         return toolNotRun;
-    return runTool(invocation, runner, QStringLiteral("treskdel"), request);
+    return runTool(invocation, runner, QStringLiteral("treskdel"), request,
+                   reasonNotToStart(request));
 }
 
 std::vector<Option> undoOptions()
@@ -61,13 +81,11 @@ Command undoCommand()
 {
     static const QByteArray description =
         QByteArray(
-            "Runs the tool treskdel, which takes a step out of documents again: the one that\n"
-            "treskadd adds when it is given the same argument file, out of all documents\n"
-            "that this has it write. What the tool prints is shown while it runs, errors and\n"
-            "warnings on standard error. The tool lies in the directory of tresk itself, or\n"
-            "in one that --search-path names.\n"
+            "Runs the tool treskdel, which takes a step out of documents again: out of those\n"
+            "that an argument file has treskadd write, with -O or -A. The tool is told their\n"
+            "paths and nothing else; which step it takes out is its business.\n"
             "\n")
-        + toolExitCodes;
+        + toolDescription;
     return {"undo",
             "run treskdel, which takes a step out of a document again",
             "ARGFILE",

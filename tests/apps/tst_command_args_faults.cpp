@@ -145,6 +145,10 @@ void TestCommandArgsFaults::byteOrderMarkIsDropped()
     const Outcome outcome = args("\xEF\xBB\xBF-p");
     QCOMPARE(outcome.errors, QByteArray());
     QVERIFY(outcome.output.startsWith("run\n  switches:     pretend\n"));
+    // One of them; another one is a character like others.
+    const Outcome second = args("\xEF\xBB\xBF\xEF\xBB\xBF-p");
+    QCOMPARE(second.errors, QByteArray("tresk: some.args: unknown option found: \\ufeff-p\n"));
+    QCOMPARE(titleOf(json("-s title \xEF\xBB\xBFx")), QString(QChar(0xFEFF)) + text("x"));
 }
 
 void TestCommandArgsFaults::wrongUtf8IsWarnedOf()

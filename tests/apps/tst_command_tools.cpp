@@ -18,6 +18,8 @@ private Q_SLOTS:
     void textIsHandedAsItIs();
     void largeInputNeedNotBeRead();
     void linesGoWhereTheyBelong();
+    void marksAreTakenOff_data();
+    void marksAreTakenOff();
     void quietLeavesErrors();
     void exitCodeIsPassedOn_data();
     void exitCodeIsPassedOn();
@@ -25,6 +27,9 @@ private Q_SLOTS:
     void toolIsWaitedForWhenInterrupted_data();
     void toolIsWaitedForWhenInterrupted();
     void largeOutputIsWhole();
+    void longLineTakesLittleMemory_data();
+    void longLineTakesLittleMemory();
+    void longLineIsNotCutInACharacter();
     void readerMayGoAway_data();
     void readerMayGoAway();
     void fullDiskIsReported_data();
@@ -47,6 +52,18 @@ bool waitForContent(const QString& path, const QByteArray& bytes)
     return false;
 }
 
+/// What makes the shell limit the memory of what it runs, in KiB; nothing with sanitizers, which
+/// take whatever there is.
+QString memoryLimit(int kibibytes)
+{
+#ifdef __SANITIZE_ADDRESS__
+    Q_UNUSED(kibibytes)
+    return {};
+#else
+    return QStringLiteral("ulimit -v %1; ").arg(kibibytes);
+#endif
+}
+
 const char* const waitForGo = "while [ ! -e go ]; do sleep 0.01; done\n";
 
 } // namespace
@@ -66,6 +83,8 @@ void TestCommandTools::textIsHandedAsItIs_data()
     row("zero byte", QByteArray("a\0b", 3));
     QTest::newRow("byte-order mark")
         << QByteArray("\xEF\xBB\xBF-p") << QByteArray("-p") << QByteArray();
+    QTest::newRow("two byte-order marks")
+        << QByteArray("\xEF\xBB\xBF\xEF\xBB\xBF-p") << QByteArray("\xEF\xBB\xBF-p") << QByteArray();
     QTest::newRow("not UTF-8") << QByteArray("a\xFF") << QByteArray("a\xEF\xBF\xBD")
                                << QByteArray("tresk: some.args: warning: is not UTF-8 throughout; "
                                              "what is not was replaced by U+FFFD\n");
@@ -114,6 +133,33 @@ void TestCommandTools::linesGoWhereTheyBelong()
     const Outcome verbose = command("add", {text("-v")}).run();
     QCOMPARE(verbose.output, outcome.output);
     QCOMPARE(verbose.errors, outcome.errors + "tresk: Programm exited with error code: 0\n");
+}
+
+void TestCommandTools::marksAreTakenOff_data()
+{
+    QTest::addColumn<QByteArray>("line");
+    QTest::addColumn<QByteArray>("told");
+    const auto row = [](const char* line, const char* told) {
+        QTest::newRow(line) << QByteArray(line) << QByteArray(told);
+    };
+    row("***ERROR", "error");
+    row("***ERROR: ", "error");
+    row("***ERRORx", "x");
+    row("***ERROR:\\tx\\ty\\t", "x\\ty");
+    row("***ERROR : : x: ", "x:");
+    row("***WARNING", "warning");
+    row("***WARNING:", "warning");
+    row("***WARNING:\\tx", "warning: x");
+    row("***WARNING \\t: x", "warning: x");
+}
+
+void TestCommandTools::marksAreTakenOff()
+{
+    QFETCH(QByteArray, line);
+    QFETCH(QByteArray, told);
+    const Outcome outcome = add("printf '" + line + "\\n'\n");
+    QCOMPARE(outcome.errors, "tresk: treskadd: " + told + "\n");
+    QCOMPARE(outcome.output, QByteArray());
 }
 
 void TestCommandTools::quietLeavesErrors()
@@ -198,6 +244,49 @@ void TestCommandTools::largeOutputIsWhole()
     // One line of a million characters, without an end.
     const Outcome line = add("printf '%01000000d' 7\n");
     QVERIFY(line.output == QByteArray(999999, '0') + "7\n");
+}
+
+void TestCommandTools::longLineTakesLittleMemory_data()
+{
+    QTest::addColumn<QByteArray>("mark");
+    QTest::addColumn<QByteArray>("told");
+    QTest::newRow("information") << QByteArray("> ") << QByteArray("> ");
+    QTest::newRow("warning") << QByteArray("***WARNING: ")
+                             << QByteArray("tresk: treskadd: warning: ");
+    QTest::newRow("error") << QByteArray("***ERROR: ") << QByteArray("tresk: treskadd: ");
+}
+
+void TestCommandTools::longLineTakesLittleMemory()
+{
+    QFETCH(QByteArray, mark);
+    QFETCH(QByteArray, told);
+    const int length = 20000000;
+    const QByteArray size = QByteArray::number(length);
+    writeTool("tools/treskadd", "printf '" + mark + "'; exec head -c " + size + " /dev/zero\n");
+    // The line takes 40 MB as text, and several times as much written out.
+    const Outcome outcome =
+        command("add")
+            .inShell(QStringLiteral("%1{ \"$@\"; echo $? >code; } 2>&1 | tr -d 0 >shown; cat code")
+                         .arg(memoryLimit(260000)))
+            .run();
+    QCOMPARE(outcome.errors, QByteArray());
+    QCOMPARE(outcome.output, QByteArray("0\n"));
+    const QByteArray shown = readFile(path("shown"));
+    QCOMPARE(shown.left(told.size() + 4), told + "\\x\\x");
+    QVERIFY(shown == told + QByteArray("\\x").repeated(length) + '\n');
+}
+
+void TestCommandTools::longLineIsNotCutInACharacter()
+{
+    // Pairs of surrogates at even and odd places, then what is written out as one.
+    QByteArray line = QByteArray("\xF0\x9D\x84\x9E").repeated(100000) + 'x'
+        + QByteArray("\xF0\x9D\x84\x9E").repeated(100000)
+        + QByteArray("\xF3\xA0\x80\x81").repeated(100000);
+    dir().write(text("line"), line);
+    line.replace("\xF3\xA0\x80\x81", "\\U000e0001");
+    const Outcome outcome = add("cat line; printf '\\n***ERROR '; cat line\n");
+    QVERIFY(outcome.output == line + '\n');
+    QVERIFY(outcome.errors == "tresk: treskadd: " + line + '\n');
 }
 
 void TestCommandTools::readerMayGoAway_data()

@@ -18,14 +18,25 @@ private Q_SLOTS:
     void documentsAreAskedToBeUndone();
     void nothingIsUndoneInDoubt_data();
     void nothingIsUndoneInDoubt();
+    void longRequestIsNamed_data();
+    void longRequestIsNamed();
     void otherFaultsDoNotMatterForUndo();
     void toolsAreSearchedInOrder();
+    void searchPathMayBeginWithAColon();
+    void searchPathMustBeUtf8();
     void ownDirectoryIsSearchedFirst();
     void scriptIsRunByPython();
     void missingToolIsReported();
     void unfitToolIsReported_data();
     void unfitToolIsReported();
     void argumentFileMustBeReadable();
+
+private:
+    /// The whole path of a tool in the folder, as users are told of it.
+    QByteArray toolPath(const char* name) const
+    {
+        return QFileInfo(path("tools")).canonicalFilePath().toUtf8() + '/' + name;
+    }
 };
 
 void TestCommandToolsFound::documentsAreAskedToBeUndone_data()
@@ -80,6 +91,12 @@ void TestCommandToolsFound::nothingIsUndoneInDoubt_data()
     row("backslash", "-O another \\",
         {"line 1, column 12: nothing follows the backslash at the end", doubt});
     row("empty document", "-O ''", {});
+    QTest::newRow("zero byte in a path")
+        << QByteArray("-O a.pdf -O b\0c -O d.pdf", 25)
+        << QByteArrayList{"names a document with a zero byte in its path, behind which treskdel "
+                          "would see nothing; nothing is undone"};
+    QTest::newRow("zero byte elsewhere")
+        << QByteArray("-O a.pdf -s title b\0c", 21) << QByteArrayList();
 }
 
 void TestCommandToolsFound::nothingIsUndoneInDoubt()
@@ -95,6 +112,38 @@ void TestCommandToolsFound::nothingIsUndoneInDoubt()
     QCOMPARE(outcome.errors, errors);
     QCOMPARE(outcome.output, problems.isEmpty() ? QByteArray("undone\n") : QByteArray());
     QCOMPARE(outcome.exitCode, problems.isEmpty() ? 0 : 125);
+}
+
+void TestCommandToolsFound::longRequestIsNamed_data()
+{
+    QTest::addColumn<int>("length");
+    QTest::addColumn<bool>("isTooLong");
+    // The system ends an argument with a zero byte.
+    const int most = 128 * 1024 - 1
+        - static_cast<int>(qstrlen("<DelWorkflowStep></DelWorkflowStep>"));
+    QTest::newRow("longest") << most << false;
+    QTest::newRow("too long") << most + 1 << true;
+    QTest::newRow("much too long") << 1000000 << true;
+}
+
+void TestCommandToolsFound::longRequestIsNamed()
+{
+    QFETCH(int, length);
+    QFETCH(bool, isTooLong);
+    // Bytes count, two for each of these characters.
+    const QByteArray name = QByteArray("\xC3\xA4").repeated(length / 2)
+        + QByteArray(length % 2, 'x');
+    dir().write(text("some.args"), "-O " + name);
+    writeTool("tools/treskdel", "printf '%s' \"$1\" | wc -c | tr -d ' '\n");
+    const QByteArray size = QByteArray::number(length + 35);
+    const Outcome outcome = command("undo").run();
+    QCOMPARE(outcome.output, isTooLong ? QByteArray() : size + "\n");
+    QCOMPARE(outcome.errors,
+             isTooLong ? "tresk: treskdel: " + toolPath("treskdel")
+                     + " failed to start\ntresk: treskdel: the request of " + size
+                     + " bytes is too long to be handed over\n"
+                       : QByteArray());
+    QCOMPARE(outcome.exitCode, isTooLong ? 126 : 0);
 }
 
 void TestCommandToolsFound::otherFaultsDoNotMatterForUndo()
@@ -140,6 +189,36 @@ void TestCommandToolsFound::toolsAreSearchedInOrder()
     QCOMPARE(found(path("tools").toUtf8().constData()), QByteArray("tools\n"));
 }
 
+void TestCommandToolsFound::searchPathMayBeginWithAColon()
+{
+    writeTool("tools/treskadd", "echo found\n");
+    for (const char* name : {":tools", ":"}) {
+        const Outcome outcome = Command({text("add"), text("some.args"), text("--search-path"),
+                                         text(name)})
+                                    .inDirectory(path(""))
+                                    .inShell(text("cp -R tools \"$5\"; exec \"$@\""))
+                                    .run();
+        QCOMPARE(outcome.errors, QByteArray());
+        QCOMPARE(outcome.output, QByteArray("found\n"));
+    }
+}
+
+void TestCommandToolsFound::searchPathMustBeUtf8()
+{
+    for (const char* name : {"add", "undo"}) {
+        const Outcome outcome = Command({text(name), text("some.args")})
+                                    .inDirectory(path(""))
+                                    .inShell(
+                                        text("exec \"$@\" --search-path \"$(printf 'a\\377')\""))
+                                    .run();
+        QCOMPARE(outcome.errors,
+                 QByteArray("tresk: ") + name
+                     + ": the directory of --search-path is not UTF-8; see 'tresk " + name
+                     + " --help'\n");
+        QCOMPARE(outcome.exitCode, 124);
+    }
+}
+
 void TestCommandToolsFound::ownDirectoryIsSearchedFirst()
 {
     QVERIFY(QDir(path("")).mkdir(text("own")));
@@ -173,7 +252,7 @@ void TestCommandToolsFound::scriptIsRunByPython()
              QByteArray("['<DelWorkflowStep>some.pdf</DelWorkflowStep>']\n"));
     // Without an interpreter there is nothing to start.
     const Outcome without = command("add", option).with(text("PATH"), path("")).run();
-    QVERIFY(without.errors.endsWith("/tools/treskadd.py failed to start\n"));
+    QCOMPARE(without.errors, "tresk: treskadd: " + toolPath("treskadd.py") + " failed to start\n");
     QCOMPARE(without.exitCode, 126);
 }
 
@@ -211,10 +290,7 @@ void TestCommandToolsFound::unfitToolIsReported()
     if (executable)
         QVERIFY(file.setPermissions(file.permissions() | QFile::ExeOwner | QFile::ExeUser));
     const Outcome outcome = command("undo").run();
-    QVERIFY2(outcome.errors.startsWith("tresk: treskdel: "), outcome.errors.constData());
-    QVERIFY2(outcome.errors.endsWith("/tools/treskdel failed to start\n"),
-             outcome.errors.constData());
-    QCOMPARE(outcome.errors.count('\n'), 1);
+    QCOMPARE(outcome.errors, "tresk: treskdel: " + toolPath("treskdel") + " failed to start\n");
     QCOMPARE(outcome.output, QByteArray());
     QCOMPARE(outcome.exitCode, 126);
 }
