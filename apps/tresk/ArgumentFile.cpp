@@ -148,16 +148,19 @@ bool ArgumentFile::hasErrors() const
 QList<ArgfileToken> ArgumentFile::tokens()
 {
     const QList<ArgfileToken> tokens = ArgfileParser().getHighlighterList(m_text);
-    m_isBroken = tokens.isEmpty() && !m_text.isEmpty();
-    if (m_isBroken)
-        m_messages += {ArgumentMessage::Error, reasonWhyBroken(m_text)};
+    if (tokens.isEmpty() && !m_text.isEmpty())
+        setBroken();
     return tokens;
 }
 
 ArgFile ArgumentFile::options()
 {
-    if (tokens().isEmpty())
+    // With a word in front there are arguments, unless nothing can be taken apart. The tokens would
+    // tell as well, but take many times the memory.
+    if (ArgfileParser().parseArgfile(QStringLiteral("x ") + m_text, nullptr).isEmpty()) {
+        setBroken();
         return {};
+    }
     ArgfileReader reader;
     QObject::connect(&reader, &LogSource::log, &reader, [this](const QString& text, int kind) {
         m_messages += {kind, text.trimmed()};
@@ -196,6 +199,12 @@ void ArgumentFile::reportWarnings() const
         if (message.kind == ArgumentMessage::Warning)
             reportWarning(m_name, message.text);
     }
+}
+
+void ArgumentFile::setBroken()
+{
+    m_isBroken = true;
+    m_messages += {ArgumentMessage::Error, reasonWhyBroken(m_text)};
 }
 
 const QHash<QString, QString>* ArgumentFile::variables() const

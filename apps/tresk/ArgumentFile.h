@@ -46,7 +46,8 @@ public:
     /// What the file says; what is wrong with it is added to the messages.
     ArgFile options();
     /// Whether the text says what @p options are from its beginning to its end; the reader stops
-    /// where it meets an option that it does not know, or one that lacks its parameters.
+    /// where it meets an option that it does not know, or one that lacks its parameters. (Its messages
+    /// cannot tell, since it makes errors of much that does not stop it.)
     bool isReadToItsEnd(const ArgFile& options) const;
 
     /// Tells the user all messages.
@@ -56,6 +57,7 @@ public:
 
 private:
     const QHash<QString, QString>* variables() const;
+    void setBroken();
 
     QString m_name;
     QString m_text;

@@ -42,8 +42,7 @@ public:
         for (int i = 0; i < options.numFiles() && m_output.error() == 0; ++i)
             printFile(options.getConstFile(i));
         begin("command line");
-        const QString line = options.toCommandline(false).trimmed();
-        writeLine(line.isEmpty() ? QStringLiteral("-") : printable(line));
+        printCommandLine(options.toCommandline(false));
     }
 
 private:
@@ -54,12 +53,6 @@ private:
         if (m_heading)
             m_output.write(m_style.title(QLatin1String(m_heading)) + QLatin1Char('\n'));
         m_heading = nullptr;
-    }
-
-    void writeLine(const QString& line)
-    {
-        writeHeading();
-        m_output.write(QStringLiteral("  ") + line + QLatin1Char('\n'));
     }
 
     void write(const char* label, const QString& value)
@@ -141,6 +134,15 @@ private:
         write("md5 file", file.md5File());
         write("flags", changedFlags(file).join(QStringLiteral(", ")));
         writeAttributes(file, 2);
+    }
+
+    void printCommandLine(const QString& line)
+    {
+        writeHeading();
+        m_output.write(QByteArray("  "));
+        const QStringView words = QStringView(line).trimmed();
+        forPrintable(words, [this](const QString& piece) { m_output.write(piece); });
+        m_output.write(QByteArray(words.isEmpty() ? "-\n" : "\n"));
     }
 
     Output& m_output;

@@ -53,10 +53,14 @@ public:
     ///
     /// `$NAME` and `${NAME}`, of ASCII letters and digits, are replaced outside single quotes by
     /// their values in @p variables, literally and without being split; what is not in the table
-    /// becomes empty. Text in front of a variable hides it unless its length is a multiple of the
-    /// variable's: `ab$X` is replaced, `abc$X` is not. Other text may be taken for an unknown
-    /// variable where it begins with a dollar sign; `$` alone becomes empty. With null, everything
-    /// stays as written.
+    /// becomes empty. Text in front of the first variable of a word or string hides it unless its
+    /// length is a multiple of the variable's: `ab$X` is replaced, `abc$X` is not. For that is how
+    /// much is cut off the front until the dollar sign is reached, or passed; the count for the
+    /// next variable goes on from there. So in `a$X-$Y`, only `$Y` is replaced, which has `X-` in
+    /// front of it by then. Backslashes in front belong to the variable's length, and a cut between
+    /// them changes whether they protect it. Other text may be taken for an unknown variable where
+    /// it begins with a dollar sign; `$` alone becomes empty. With null, everything stays as
+    /// written.
     ///
     /// In the result "$$" is a dollar sign that stands for itself (from single quotes, after a
     /// backslash, in a value) and "$" is one that a consumer may expand.

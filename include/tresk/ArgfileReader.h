@@ -16,10 +16,9 @@ namespace tresk {
 /// that lacks parameters, ends the reading with an error (type 2); the options before it hold. The
 /// long options "--firstpage" and "--readme" are unknown here, other than "-1" and "-r". "-c" and
 /// "--sync-cwd" do nothing but log a message of type 0, and what follows "-c" is read as an option,
-/// whichever it is. A key that an option
-/// does not know is logged as an error that names the value, not the key. Every flag of a file but
-/// "thumbnail" is set and also logged as an error. Options of a file without a file before them
-/// are passed over.
+/// whichever it is. A key that an option does not know is logged as an error that names the value,
+/// not the key. Every flag of a file but "thumbnail" is set and also logged as an error. Options of
+/// a file without a file before them are passed over.
 class TRESK_EXPORT ArgfileReader : public LogSource {
     Q_OBJECT
 

@@ -36,6 +36,11 @@ public:
     /// an error. The tool's output and its errors are one stream, taken as UTF-8. Waiting is for
     /// the tool alone, not for processes that it leaves behind with its output. The calling thread
     /// is blocked meanwhile; only the log and intercept() are emitted, and the runner must live on.
+    /// Slots of these must not run it again; another runner may be run.
+    ///
+    /// The exit code is the child's, which can be asked for only once. Where the host does so
+    /// itself for whatever child has ended, say with waitpid(-1) in a handler of SIGCHLD, it is
+    /// lost, and what is returned and logged means nothing.
     ///
     /// The signal handling of the process is as before when it returns. (QProcess has SIGPIPE
     /// ignored from its first use in a process on; where this is the first, that is taken back, and

@@ -15,6 +15,10 @@ public:
 
     /// Runs `treskdel` with @p request, as ArgFile::getUndoWorkflowStep() writes it, for its only
     /// argument. Its standard input is empty.
+    ///
+    /// The operating system ends an argument at its first NUL, so the tool sees nothing of what is
+    /// behind one in @p request, and limits its length, on Linux to less than 128 KiB: with a
+    /// longer one the tool cannot be started.
     int runProcess(const QString& request) override;
 };
 

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <array>
+#include <utility>
 
 namespace tresk {
 
@@ -248,7 +249,7 @@ ArgFile ArgfileReader::parseCommandline(const QStringList& args)
             i += 1 + option->parameters;
         }
     }
-    return reading.result;
+    return std::move(reading.result);
 }
 
 } // namespace tresk

@@ -227,6 +227,10 @@ void TestCommandArgs::variablesAreReplaced_data()
     row("backslash", "\\$X", x, "$$X");
     row("hidden by the text in front", "abc$X", x, "abc$X");
     row("not hidden by it", "ab$X", x, "ab1 2");
+    const QStringList xAndY = {text("-DX=1"), text("-DY=2")};
+    row("behind a hidden one", "a$X-$Y", xAndY, "a$X-2");
+    row("hidden by a hidden one", "abc$X$Y", xAndY, "abc$X$Y");
+    row("backslashes in front count", "ab\\\\$X", x, "ab\\1 2");
     row("unknown", "\"$Y\"z", x, "z");
     row("no definition", "${X}y", {}, "${X}y");
     row("attached", "$X", {text("-DX=1")}, "1");

@@ -260,14 +260,14 @@ void TestCommandTools::longLineTakesLittleMemory()
 {
     QFETCH(QByteArray, mark);
     QFETCH(QByteArray, told);
-    const int length = 20000000;
+    const int length = 10000000;
     const QByteArray size = QByteArray::number(length);
     writeTool("tools/treskadd", "printf '" + mark + "'; exec head -c " + size + " /dev/zero\n");
-    // The line takes 40 MB as text, and several times as much written out.
+    // The line takes 20 MB as text, and several times as much written out.
     const Outcome outcome =
         command("add")
             .inShell(QStringLiteral("%1{ \"$@\"; echo $? >code; } 2>&1 | tr -d 0 >shown; cat code")
-                         .arg(memoryLimit(260000)))
+                         .arg(memoryLimit(230000)))
             .run();
     QCOMPARE(outcome.errors, QByteArray());
     QCOMPARE(outcome.output, QByteArray("0\n"));
