@@ -18,8 +18,8 @@ void fill(const Texts& texts, const Flags& flags, Owner& owner, const QString& s
         (owner.*field.set)(QLatin1String(field.name) + suffix);
     for (const auto& field : flags)
         (owner.*field.set)(!(Owner().*field.get)());
-    owner.addUserAttribute(str("key"), str("value") + suffix);
-    owner.addUserAttribute(str("other"), QString());
+    owner.addUserAttribute(text("key"), text("value") + suffix);
+    owner.addUserAttribute(text("other"), QString());
 }
 
 /// A file without a default value in it.
@@ -28,8 +28,8 @@ inline tresk::WSFile filledFile(const QString& suffix = QString())
     tresk::WSFile file;
     fill(fileTextFields, fileFlagFields, file, suffix);
     file.setFilePurpose(tresk::WSFile::Output);
-    file.setFilepath(str("directory") + suffix);
-    file.setFilename(str("name") + suffix);
+    file.setFilepath(text("directory") + suffix);
+    file.setFilename(text("name") + suffix);
     return file;
 }
 
@@ -39,7 +39,7 @@ inline tresk::ArgFile filledOptions(const QString& suffix = QString())
     tresk::ArgFile options;
     fill(textFields, flagFields, options, suffix);
     options.setVerbosity(tresk::ArgFile::Verbose);
-    options.addOutputTreskfile(str("out") + suffix);
+    options.addOutputTreskfile(text("out") + suffix);
     options.addFile(filledFile(suffix));
     return options;
 }
@@ -49,22 +49,22 @@ void checkUserAttributes()
 {
     Owner owner;
     QCOMPARE(owner.userAttributeKeys(), QStringList());
-    QCOMPARE(owner.userAttribute(str("b")), QString());
-    owner.addUserAttribute(str("b"), str("1"));
-    owner.addUserAttribute(str("a"), str("2"));
-    owner.addUserAttribute(QString(), str("3"));
-    owner.addUserAttribute(str("b"), str("4"));
-    owner.addUserAttribute(str("c"), QString());
+    QCOMPARE(owner.userAttribute(text("b")), QString());
+    owner.addUserAttribute(text("b"), text("1"));
+    owner.addUserAttribute(text("a"), text("2"));
+    owner.addUserAttribute(QString(), text("3"));
+    owner.addUserAttribute(text("b"), text("4"));
+    owner.addUserAttribute(text("c"), QString());
     QCOMPARE(owner.userAttributeKeys(),
-             QStringList({str("b"), str("a"), QString(), str("b"), str("c")}));
-    QCOMPARE(owner.userAttribute(str("b")), str("4"));
-    QCOMPARE(owner.userAttribute(str("a")), str("2"));
-    QCOMPARE(owner.userAttribute(QString()), str("3"));
-    QCOMPARE(owner.userAttribute(str("c")), QString());
-    QCOMPARE(owner.userAttribute(str("B")), QString());
+             QStringList({text("b"), text("a"), QString(), text("b"), text("c")}));
+    QCOMPARE(owner.userAttribute(text("b")), text("4"));
+    QCOMPARE(owner.userAttribute(text("a")), text("2"));
+    QCOMPARE(owner.userAttribute(QString()), text("3"));
+    QCOMPARE(owner.userAttribute(text("c")), QString());
+    QCOMPARE(owner.userAttribute(text("B")), QString());
     owner.clearUserAttributes();
     QCOMPARE(owner.userAttributeKeys(), QStringList());
-    QCOMPARE(owner.userAttribute(str("b")), QString());
+    QCOMPARE(owner.userAttribute(text("b")), QString());
 }
 
 /// Sets each text in turn: nothing else changes with it.
@@ -74,11 +74,11 @@ void checkTexts(const Fields& fields, const QStringList& otherLines)
     for (const auto& field : fields) {
         Owner owner;
         QVERIFY2((owner.*field.get)().isEmpty(), field.name);
-        (owner.*field.set)(str("first"));
-        (owner.*field.set)(str("a \"value\""));
-        QCOMPARE((owner.*field.get)(), str("a \"value\""));
-        QCOMPARE(textOf(owner).mid(otherLines.size()).join(str("|")).trimmed(),
-                 QLatin1String(field.name) + str(": \"a \\\"value\\\"\""));
+        (owner.*field.set)(text("first"));
+        (owner.*field.set)(text("a \"value\""));
+        QCOMPARE((owner.*field.get)(), text("a \"value\""));
+        QCOMPARE(textOf(owner).mid(otherLines.size()).join(text("|")).trimmed(),
+                 QLatin1String(field.name) + text(": \"a \\\"value\\\"\""));
         (owner.*field.set)(QString());
         QCOMPARE(textOf(owner), otherLines);
     }
@@ -91,8 +91,8 @@ void checkFlags(const Fields& fields, const QStringList& otherLines)
         Owner owner;
         const bool byDefault = (owner.*field.get)();
         (owner.*field.set)(!byDefault);
-        QCOMPARE(textOf(owner).mid(otherLines.size()).join(str("|")).trimmed(),
-                 QLatin1String(field.name) + str(byDefault ? ": false" : ": true"));
+        QCOMPARE(textOf(owner).mid(otherLines.size()).join(text("|")).trimmed(),
+                 QLatin1String(field.name) + text(byDefault ? ": false" : ": true"));
         (owner.*field.set)(byDefault);
         QCOMPARE(textOf(owner), otherLines);
     }

@@ -1,6 +1,8 @@
 #ifndef TRESK_TESTS_ARGFILETEXT_H
 #define TRESK_TESTS_ARGFILETEXT_H
 
+#include "Text.h"
+
 #include <tresk/ArgFile.h>
 
 #include <QHash>
@@ -8,11 +10,6 @@
 #include <QStringList>
 
 namespace tresktest {
-
-inline QString str(const char* utf8)
-{
-    return QString::fromUtf8(utf8);
-}
 
 /// Everything that is not as by default, a line each, so that options can be compared and seen:
 /// `pretend: true`, `title: "a title"`, `user attribute: "key" = "value"`, `output document:

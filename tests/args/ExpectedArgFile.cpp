@@ -41,7 +41,7 @@ QString writtenPath(const WSFile& file)
     const QString name = file.filename().mid(file.filepath().size());
     if (name.startsWith(QLatin1Char('/')))
         return name;
-    const QString directory = file.filepath().isEmpty() ? str(".")
+    const QString directory = file.filepath().isEmpty() ? text(".")
                                                         : withoutLastSlash(file.filepath());
     if (name.isEmpty())
         return directory;
@@ -55,7 +55,7 @@ void expectPath(const QString& path, WSFile& expected)
     const int slash = int(path.lastIndexOf(QLatin1Char('/')));
     expected.setFilename(path.mid(slash + 1));
     if (slash == -1)
-        expected.setFilepath(str("."));
+        expected.setFilepath(text("."));
     else
         expected.setFilepath(withoutLastSlash(path.left(std::max(slash, 1))));
 }
@@ -100,7 +100,7 @@ QStringList expectedMessages(const ArgFile& written)
         const WSFile file = written.getConstFile(i);
         for (const auto& field : fileFlagFields) {
             if (QLatin1String(field.name) != QLatin1String("thumbnail"))
-                messages += str("2 \"%1\" is no valid parameter for option -f")
+                messages += text("2 \"%1\" is no valid parameter for option -f")
                                 .arg((file.*field.get)() ? 1 : 0);
         }
     }

@@ -42,7 +42,7 @@ public:
             (options.*field.set)(oneIn(2));
         for (const TextField& field : textFields) {
             if (field.set != &ArgFile::setFirstpage && field.set != &ArgFile::setReadme)
-                (options.*field.set)(text());
+                (options.*field.set)(anyText());
         }
         for (int i = m_random.bounded(4); i > 0; --i)
             options.addOutputTreskfile(word());
@@ -57,42 +57,42 @@ private:
 
     QString piece()
     {
-        static const QStringList pieces{str("a"),
-                                        str("Bc"),
-                                        str("7"),
-                                        str("X"),
-                                        str("$"),
-                                        str("$$"),
-                                        str("$X"),
-                                        str("${X}"),
-                                        str("${"),
-                                        str("}"),
-                                        str("\\"),
-                                        str("\\\\"),
-                                        str("\""),
-                                        str("'"),
-                                        str("#"),
-                                        str("`"),
-                                        str(" "),
-                                        str("  "),
-                                        str("\t"),
-                                        str("\n"),
-                                        str("\r"),
-                                        str("\r\n"),
-                                        str("-O"),
-                                        str("--"),
-                                        str("no-"),
-                                        str("title"),
-                                        str("="),
-                                        str(":"),
-                                        str(";"),
-                                        str("/"),
-                                        str("."),
-                                        str("%1"),
-                                        str("\xc3\xa4"),
-                                        str("\xf0\x9f\x98\x80"),
-                                        str("\xc2\xa0"),
-                                        str("\x0b\x0c"),
+        static const QStringList pieces{text("a"),
+                                        text("Bc"),
+                                        text("7"),
+                                        text("X"),
+                                        text("$"),
+                                        text("$$"),
+                                        text("$X"),
+                                        text("${X}"),
+                                        text("${"),
+                                        text("}"),
+                                        text("\\"),
+                                        text("\\\\"),
+                                        text("\""),
+                                        text("'"),
+                                        text("#"),
+                                        text("`"),
+                                        text(" "),
+                                        text("  "),
+                                        text("\t"),
+                                        text("\n"),
+                                        text("\r"),
+                                        text("\r\n"),
+                                        text("-O"),
+                                        text("--"),
+                                        text("no-"),
+                                        text("title"),
+                                        text("="),
+                                        text(":"),
+                                        text(";"),
+                                        text("/"),
+                                        text("."),
+                                        text("%1"),
+                                        text("\xc3\xa4"),
+                                        text("\xf0\x9f\x98\x80"),
+                                        text("\xc2\xa0"),
+                                        text("\x0b\x0c"),
                                         QString(QChar(0xd83d)),
                                         QString(QChar(0xde00)),
                                         QString(QChar(0))};
@@ -110,7 +110,7 @@ private:
         return word;
     }
 
-    QString text() { return oneIn(4) ? QString() : word(); }
+    QString anyText() { return oneIn(4) ? QString() : word(); }
 
     template <typename Owner>
     void addUserAttributes(Owner& owner)
@@ -118,17 +118,18 @@ private:
         for (int i = m_random.bounded(5); i > 0; --i) {
             const QStringList keys = owner.userAttributeKeys();
             const bool again = !keys.isEmpty() && oneIn(3);
-            const QString key = again ? keys.at(m_random.bounded(int(keys.size()))) : text();
-            owner.addUserAttribute(key, key.isEmpty() ? QString() : text());
+            const QString key = again ? keys.at(m_random.bounded(int(keys.size()))) : anyText();
+            owner.addUserAttribute(key, key.isEmpty() ? QString() : anyText());
         }
     }
 
     QString path()
     {
-        static const QStringList starts{QString(), QString(), str("/"),    str("//"),   str("./"),
-                                        str(".."), str("x/"), str("x//y"), str("x///"), str("/x/")};
+        static const QStringList starts{QString(),    QString(),  text("/"),  text("//"),
+                                        text("./"),   text(".."), text("x/"), text("x//y"),
+                                        text("x///"), text("/x/")};
         const QString start = starts.at(m_random.bounded(int(starts.size())));
-        return start + text().remove(QLatin1Char(':'));
+        return start + anyText().remove(QLatin1Char(':'));
     }
 
     WSFile file()
@@ -145,7 +146,7 @@ private:
             name += QLatin1Char(' ');
         file.setFilename(name);
         for (const FileTextField& field : fileTextFields)
-            (file.*field.set)(text());
+            (file.*field.set)(anyText());
         for (const FileFlagField& field : fileFlagFields)
             (file.*field.set)(oneIn(2));
         addUserAttributes(file);

@@ -93,11 +93,6 @@ Variable::~Variable()
     qputenv(m_name, m_before);
 }
 
-QString text(const char* utf8)
-{
-    return QString::fromUtf8(utf8);
-}
-
 void useUtf8()
 {
     // Qt 6 does so by itself.

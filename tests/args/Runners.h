@@ -2,6 +2,7 @@
 #define TRESK_TESTS_RUNNERS_H
 
 #include "TestFiles.h"
+#include "Text.h"
 
 #include <tresk/TreskRunner.h>
 
@@ -65,9 +66,6 @@ private:
     const char* m_name;
     QByteArray m_before;
 };
-
-/// The text that these bytes of UTF-8 are.
-QString text(const char* utf8);
 
 /// Makes the locale's encoding UTF-8, whatever locale the tests run in.
 void useUtf8();

@@ -15,7 +15,7 @@ using tresktest::fill;
 using tresktest::filledFile;
 using tresktest::filledOptions;
 using tresktest::flagFields;
-using tresktest::str;
+using tresktest::text;
 using tresktest::textFields;
 using tresktest::textOf;
 
@@ -27,7 +27,7 @@ namespace {
 WSFile namedFile(const char* name)
 {
     WSFile file;
-    file.setFilename(str(name));
+    file.setFilename(text(name));
     return file;
 }
 
@@ -71,11 +71,11 @@ void TestArgFile::defaults()
 
 void TestArgFile::constructorWithDocumentAndRoot()
 {
-    const ArgFile options(str("out.pdf"), str("root.pdf"));
+    const ArgFile options(text("out.pdf"), text("root.pdf"));
     QCOMPARE(textOf(options),
-             QStringList({str("rootfile: \"root.pdf\""), str("output document: \"out.pdf\"")}));
+             QStringList({text("rootfile: \"root.pdf\""), text("output document: \"out.pdf\"")}));
     const ArgFile empty{QString(), QString()};
-    QCOMPARE(textOf(empty), QStringList(str("output document: \"\"")));
+    QCOMPARE(textOf(empty), QStringList(text("output document: \"\"")));
 }
 
 void TestArgFile::verbosity()
@@ -96,10 +96,10 @@ void TestArgFile::clearVariablesKeepsRootAndLists()
     options.clearVariables();
 
     ArgFile expected;
-    expected.setRootfile(str("rootfile"));
-    expected.addUserAttribute(str("key"), str("value"));
-    expected.addUserAttribute(str("other"), QString());
-    expected.addOutputTreskfile(str("out"));
+    expected.setRootfile(text("rootfile"));
+    expected.addUserAttribute(text("key"), text("value"));
+    expected.addUserAttribute(text("other"), QString());
+    expected.addOutputTreskfile(text("out"));
     expected.addFile(filledFile());
     QCOMPARE(textOf(options), textOf(expected));
 }
@@ -108,7 +108,7 @@ void TestArgFile::clearRootTreskfiles()
 {
     ArgFile options = filledOptions();
     QStringList expected = textOf(options);
-    QVERIFY(expected.removeOne(str("rootfile: \"rootfile\"")));
+    QVERIFY(expected.removeOne(text("rootfile: \"rootfile\"")));
     options.clearRootTreskfiles();
     QCOMPARE(textOf(options), expected);
     QVERIFY(options.rootIsOptional());
@@ -117,15 +117,15 @@ void TestArgFile::clearRootTreskfiles()
 void TestArgFile::outputTreskfiles()
 {
     ArgFile options;
-    options.addOutputTreskfile(str("b"));
+    options.addOutputTreskfile(text("b"));
     options.addOutputTreskfile(QString());
-    options.addOutputTreskfile(str("b"));
-    options.addOutputTreskfile(str("a"));
+    options.addOutputTreskfile(text("b"));
+    options.addOutputTreskfile(text("a"));
     QCOMPARE(options.numOutputTreskfiles(), 4);
-    QCOMPARE(options.outputTreskfile(0), str("b"));
+    QCOMPARE(options.outputTreskfile(0), text("b"));
     QCOMPARE(options.outputTreskfile(1), QString());
-    QCOMPARE(options.outputTreskfile(2), str("b"));
-    QCOMPARE(options.outputTreskfile(3), str("a"));
+    QCOMPARE(options.outputTreskfile(2), text("b"));
+    QCOMPARE(options.outputTreskfile(3), text("a"));
     options.clearOutputTreskfiles();
     QCOMPARE(textOf(options), QStringList());
 }
@@ -143,8 +143,8 @@ void TestArgFile::files()
     QVERIFY(*options.getFile(1) == filledFile());
     QCOMPARE(options.lastFile(), options.getFile(2));
 
-    options.getFile(0)->setFilename(str("c"));
-    options.lastFile()->setFilename(str("d"));
+    options.getFile(0)->setFilename(text("c"));
+    options.lastFile()->setFilename(text("d"));
     QVERIFY(options.getConstFile(0) == namedFile("c"));
     QVERIFY(options.getConstFile(1) == filledFile());
     QVERIFY(options.getConstFile(2) == namedFile("d"));
@@ -160,17 +160,17 @@ void TestArgFile::addedFileIsACopy()
     WSFile file = namedFile("a");
     WSFile* const stored = options.addFile(file);
     QCOMPARE(stored, options.getFile(0));
-    file.setFilename(str("b"));
-    QCOMPARE(options.getConstFile(0).filename(), str("a"));
-    stored->setFilename(str("c"));
-    QCOMPARE(options.getConstFile(0).filename(), str("c"));
+    file.setFilename(text("b"));
+    QCOMPARE(options.getConstFile(0).filename(), text("a"));
+    stored->setFilename(text("c"));
+    QCOMPARE(options.getConstFile(0).filename(), text("c"));
     WSFile taken = options.getConstFile(0);
-    taken.setFilename(str("d"));
-    QCOMPARE(options.getConstFile(0).filename(), str("c"));
+    taken.setFilename(text("d"));
+    QCOMPARE(options.getConstFile(0).filename(), text("c"));
     // One that is in the list already.
     options.addFile(*options.getFile(0))->setEmbed(false);
     QVERIFY(options.getConstFile(0).embed());
-    QCOMPARE(options.getConstFile(1).filename(), str("c"));
+    QCOMPARE(options.getConstFile(1).filename(), text("c"));
 }
 
 void TestArgFile::indexesOutsideTheLists()
@@ -189,11 +189,11 @@ void TestArgFile::removeFile_data()
 {
     QTest::addColumn<int>("index");
     QTest::addColumn<QString>("left");
-    QTest::newRow("first") << 0 << str("bc");
-    QTest::newRow("middle") << 1 << str("ac");
-    QTest::newRow("last") << 2 << str("ab");
-    QTest::newRow("behind the last") << 3 << str("abc");
-    QTest::newRow("negative") << -1 << str("abc");
+    QTest::newRow("first") << 0 << text("bc");
+    QTest::newRow("middle") << 1 << text("ac");
+    QTest::newRow("last") << 2 << text("ab");
+    QTest::newRow("behind the last") << 3 << text("abc");
+    QTest::newRow("negative") << -1 << text("abc");
 }
 
 void TestArgFile::removeFile()
@@ -213,16 +213,16 @@ void TestArgFile::copiesAreIndependent()
 {
     ArgFile original = filledOptions();
     const ArgFile copy = original;
-    ArgFile assigned(str("x"), str("y"));
+    ArgFile assigned(text("x"), text("y"));
     assigned = original;
 
-    fill(textFields, flagFields, original, str(" new"));
+    fill(textFields, flagFields, original, text(" new"));
     original.setVerbosity(ArgFile::Quiet);
     original.setPretend(false);
-    original.getFile(0)->setFilename(str("new"));
-    original.getFile(0)->addUserAttribute(str("key"), str("new"));
+    original.getFile(0)->setFilename(text("new"));
+    original.getFile(0)->addUserAttribute(text("key"), text("new"));
     original.addFile(WSFile());
-    original.addOutputTreskfile(str("new"));
+    original.addOutputTreskfile(text("new"));
     QCOMPARE(textOf(copy), textOf(filledOptions()));
     QCOMPARE(textOf(assigned), textOf(filledOptions()));
 
@@ -243,7 +243,7 @@ void TestArgFile::copiesAreDeepWherePointersWereTaken()
     original.addFile(WSFile());
     WSFile* const added = original.addFile(namedFile("a"));
     const ArgFile copy(original);
-    added->setComment(str("changed"));
+    added->setComment(text("changed"));
     QCOMPARE(copy.getConstFile(1).comment(), QString());
 
     WSFile* const taken = original.getFile(0);
@@ -251,16 +251,16 @@ void TestArgFile::copiesAreDeepWherePointersWereTaken()
     assigned = original;
     WSFile* const last = assigned.lastFile();
     const ArgFile second = assigned;
-    taken->setComment(str("taken"));
-    last->setComment(str("last"));
+    taken->setComment(text("taken"));
+    last->setComment(text("last"));
     QCOMPARE(assigned.getConstFile(0).comment(), QString());
-    QCOMPARE(original.getConstFile(1).comment(), str("changed"));
-    QCOMPARE(second.getConstFile(1).comment(), str("changed"));
+    QCOMPARE(original.getConstFile(1).comment(), text("changed"));
+    QCOMPARE(second.getConstFile(1).comment(), text("changed"));
 
     // The list of files stays, and so do the pointers into it.
     original.clearVariables();
-    taken->setComment(str("kept"));
-    QCOMPARE(original.getConstFile(0).comment(), str("kept"));
+    taken->setComment(text("kept"));
+    QCOMPARE(original.getConstFile(0).comment(), text("kept"));
 }
 
 QTEST_GUILESS_MAIN(TestArgFile)

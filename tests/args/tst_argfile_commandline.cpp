@@ -7,7 +7,7 @@
 
 using tresk::ArgFile;
 using tresk::WSFile;
-using tresktest::str;
+using tresktest::text;
 
 namespace {
 
@@ -19,7 +19,7 @@ const char* const defaultFlags = " -f no-optional -f no-compress -f embed -f aut
 WSFile fileAt(const char* path)
 {
     WSFile file;
-    file.setFilenameAndPath(str(path));
+    file.setFilenameAndPath(text(path));
     return file;
 }
 
@@ -65,39 +65,39 @@ void TestArgFileCommandline::defaultsAreEmpty()
 void TestArgFileCommandline::rootAndTitle()
 {
     ArgFile options;
-    options.setRootfile(str("my root.pdf"));
-    options.setTitle(str("title"));
-    QCOMPARE(options.toCommandline(false), str("-I \"my root.pdf\" -s title title"));
+    options.setRootfile(text("my root.pdf"));
+    options.setTitle(text("title"));
+    QCOMPARE(options.toCommandline(false), text("-I \"my root.pdf\" -s title title"));
     options.setRootIsOptional(true);
-    QCOMPARE(options.toCommandline(false), str("-J \"my root.pdf\" -s title title"));
+    QCOMPARE(options.toCommandline(false), text("-J \"my root.pdf\" -s title title"));
 }
 
 void TestArgFileCommandline::everything()
 {
-    ArgFile options(str("o1"), QString());
+    ArgFile options(text("o1"), QString());
     for (const auto& field : tresktest::textFields)
-        (options.*field.set)(str("the ") + QLatin1String(field.name));
+        (options.*field.set)(text("the ") + QLatin1String(field.name));
     for (const auto& field : tresktest::flagFields)
         (options.*field.set)(true);
     options.setVerbosity(ArgFile::Quiet);
-    options.addOutputTreskfile(str("o 2"));
-    options.addUserAttribute(str("k 2"), str("v"));
-    options.addUserAttribute(str("k1"), str("w"));
+    options.addOutputTreskfile(text("o 2"));
+    options.addUserAttribute(text("k 2"), text("v"));
+    options.addUserAttribute(text("k1"), text("w"));
     options.addFile(fileAt("in"));
     options.addFile(fileAt("x/out"))->setInputFile(false);
     QCOMPARE(options.toCommandline(false),
-             str("--quiet --pretend --debug --help --version"
-                 " --firstpage \"the firstpage\" --readme \"the readme\""
-                 " -O o1 -O \"o 2\" -J \"the rootfile\""
-                 " -s title \"the title\" -s description \"the description\""
-                 " -s comment \"the comment\" -s tool \"the tool\""
-                 " -s toolpath \"the toolpath\" -s host \"the host\" -s user \"the user\""
-                 " -s command \"the command\""
-                 " -d title \"the pdfTitle\" -d producer \"the pdfProducer\""
-                 " -d creator \"the pdfCreator\" -d author \"the pdfAuthor\""
-                 " -d keywords \"the pdfKeywords\" -d subject \"the pdfSubject\""
-                 " -U \"k 2\" v -U k1 w -i ./in")
-                 + str(defaultFlags) + str(" -o x/out") + str(defaultFlags));
+             text("--quiet --pretend --debug --help --version"
+                  " --firstpage \"the firstpage\" --readme \"the readme\""
+                  " -O o1 -O \"o 2\" -J \"the rootfile\""
+                  " -s title \"the title\" -s description \"the description\""
+                  " -s comment \"the comment\" -s tool \"the tool\""
+                  " -s toolpath \"the toolpath\" -s host \"the host\" -s user \"the user\""
+                  " -s command \"the command\""
+                  " -d title \"the pdfTitle\" -d producer \"the pdfProducer\""
+                  " -d creator \"the pdfCreator\" -d author \"the pdfAuthor\""
+                  " -d keywords \"the pdfKeywords\" -d subject \"the pdfSubject\""
+                  " -U \"k 2\" v -U k1 w -i ./in")
+                 + text(defaultFlags) + text(" -o x/out") + text(defaultFlags));
 }
 
 void TestArgFileCommandline::eachText_data()
@@ -109,7 +109,7 @@ void TestArgFileCommandline::eachText_data()
         "-s tool",     "-s toolpath", "-s host",   "-s user",     "-s command",     "-d title",
         "-d producer", "-d creator",  "-d author", "-d keywords", "-d subject"};
     for (int i = 0; i < int(tresktest::textFields.size()); ++i)
-        QTest::newRow(tresktest::textFields[std::size_t(i)].name) << i << str(words[i]);
+        QTest::newRow(tresktest::textFields[std::size_t(i)].name) << i << text(words[i]);
 }
 
 void TestArgFileCommandline::eachText()
@@ -117,8 +117,8 @@ void TestArgFileCommandline::eachText()
     QFETCH(int, field);
     QFETCH(QString, words);
     ArgFile options;
-    (options.*tresktest::textFields[std::size_t(field)].set)(str("-\"x"));
-    QCOMPARE(options.toCommandline(false), words + str(" -\\\"x"));
+    (options.*tresktest::textFields[std::size_t(field)].set)(text("-\"x"));
+    QCOMPARE(options.toCommandline(false), words + text(" -\\\"x"));
 }
 
 void TestArgFileCommandline::eachFlag_data()
@@ -127,7 +127,7 @@ void TestArgFileCommandline::eachFlag_data()
     QTest::addColumn<QString>("words");
     const char* const words[] = {"--pretend", "--debug", "--help", "--version", "-J root"};
     for (int i = 0; i < int(tresktest::flagFields.size()); ++i)
-        QTest::newRow(tresktest::flagFields[std::size_t(i)].name) << i << str(words[i]);
+        QTest::newRow(tresktest::flagFields[std::size_t(i)].name) << i << text(words[i]);
 }
 
 void TestArgFileCommandline::eachFlag()
@@ -135,8 +135,8 @@ void TestArgFileCommandline::eachFlag()
     QFETCH(int, field);
     QFETCH(QString, words);
     ArgFile options;
-    if (words.startsWith(str("-J")))
-        options.setRootfile(str("root"));
+    if (words.startsWith(text("-J")))
+        options.setRootfile(text("root"));
     (options.*tresktest::flagFields[std::size_t(field)].set)(true);
     QCOMPARE(options.toCommandline(false), words);
 }
@@ -145,9 +145,9 @@ void TestArgFileCommandline::verbosity_data()
 {
     QTest::addColumn<int>("verbosity");
     QTest::addColumn<QString>("words");
-    QTest::newRow("quiet") << int(ArgFile::Quiet) << str("--quiet");
+    QTest::newRow("quiet") << int(ArgFile::Quiet) << text("--quiet");
     QTest::newRow("normal") << int(ArgFile::Normal) << QString();
-    QTest::newRow("verbose") << int(ArgFile::Verbose) << str("--verbose");
+    QTest::newRow("verbose") << int(ArgFile::Verbose) << text("--verbose");
 }
 
 void TestArgFileCommandline::verbosity()
@@ -161,28 +161,29 @@ void TestArgFileCommandline::verbosity()
 void TestArgFileCommandline::userAttributes()
 {
     ArgFile options;
-    options.addUserAttribute(str("b"), str("1"));
-    options.addUserAttribute(str("empty"), QString());
-    options.addUserAttribute(str("a"), str("2"));
-    options.addUserAttribute(str("b"), str("3 4"));
-    QCOMPARE(options.toCommandline(false), str("-U b \"3 4\" -U a 2 -U b \"3 4\""));
-    options.addUserAttribute(str("b"), QString());
-    options.addUserAttribute(QString(), str("no name"));
-    QCOMPARE(options.toCommandline(false), str("-U a 2 -U  \"no name\""));
+    options.addUserAttribute(text("b"), text("1"));
+    options.addUserAttribute(text("empty"), QString());
+    options.addUserAttribute(text("a"), text("2"));
+    options.addUserAttribute(text("b"), text("3 4"));
+    QCOMPARE(options.toCommandline(false), text("-U b \"3 4\" -U a 2 -U b \"3 4\""));
+    options.addUserAttribute(text("b"), QString());
+    options.addUserAttribute(QString(), text("no name"));
+    QCOMPARE(options.toCommandline(false), text("-U a 2 -U  \"no name\""));
 }
 
 void TestArgFileCommandline::emptyDocumentIsWritten()
 {
-    ArgFile options(QString(), str("root"));
-    QCOMPARE(options.toCommandline(false), str("-O  -I root"));
+    ArgFile options(QString(), text("root"));
+    QCOMPARE(options.toCommandline(false), text("-O  -I root"));
     options.clearRootTreskfiles();
-    QCOMPARE(options.toCommandline(false), str("-O "));
+    QCOMPARE(options.toCommandline(false), text("-O "));
 }
 
 void TestArgFileCommandline::defaultFile()
 {
-    QCOMPARE(WSFile().toCommandline(false), str("-i .") + str(defaultFlags));
-    QCOMPARE(fileAt("x/a b.pdf").toCommandline(false), str("-i \"x/a b.pdf\"") + str(defaultFlags));
+    QCOMPARE(WSFile().toCommandline(false), text("-i .") + text(defaultFlags));
+    QCOMPARE(fileAt("x/a b.pdf").toCommandline(false),
+             text("-i \"x/a b.pdf\"") + text(defaultFlags));
 }
 
 void TestArgFileCommandline::everythingOfAFile()
@@ -190,15 +191,15 @@ void TestArgFileCommandline::everythingOfAFile()
     WSFile file = fileAt("/x/$a");
     file.setInputFile(false);
     for (const auto& field : tresktest::fileTextFields)
-        (file.*field.set)(str("the ") + QLatin1String(field.name));
+        (file.*field.set)(text("the ") + QLatin1String(field.name));
     for (const auto& field : tresktest::fileFlagFields)
         (file.*field.set)(!(file.*field.get)());
-    file.addUserAttribute(str("k"), str("v"));
+    file.addUserAttribute(text("k"), text("v"));
     QCOMPARE(file.toCommandline(false),
-             str("-o /x/\\$a -a filetype \"the filetype\" -a description \"the description\""
-                 " -a comment \"the comment\" -a md5file \"the md5file\""
-                 " -f optional -f compress -f no-embed -f no-automd5 -f previewws -f preview"
-                 " -f thumbnail -f thumbnailonly -u k v"));
+             text("-o /x/\\$a -a filetype \"the filetype\" -a description \"the description\""
+                  " -a comment \"the comment\" -a md5file \"the md5file\""
+                  " -f optional -f compress -f no-embed -f no-automd5 -f previewws -f preview"
+                  " -f thumbnail -f thumbnailonly -u k v"));
 }
 
 void TestArgFileCommandline::eachFlagOfAFile()
@@ -207,9 +208,9 @@ void TestArgFileCommandline::eachFlagOfAFile()
         WSFile file = fileAt("a");
         const bool byDefault = (file.*field.get)();
         (file.*field.set)(!byDefault);
-        const QString on = str(" -f ") + QLatin1String(field.name);
-        const QString off = str(" -f no-") + QLatin1String(field.name);
-        QStringList words = (str("-i ./a") + str(defaultFlags)).split(QLatin1Char(' '));
+        const QString on = text(" -f ") + QLatin1String(field.name);
+        const QString off = text(" -f no-") + QLatin1String(field.name);
+        QStringList words = (text("-i ./a") + text(defaultFlags)).split(QLatin1Char(' '));
         const int index = int(words.indexOf((byDefault ? on : off).mid(4)));
         QVERIFY(index > 0);
         words[index] = (byDefault ? off : on).mid(4);
@@ -222,14 +223,14 @@ void TestArgFileCommandline::pathOfAFile_data()
     QTest::addColumn<QString>("directory");
     QTest::addColumn<QString>("name");
     QTest::addColumn<QString>("path");
-    QTest::newRow("directory and name") << str("x/y") << str("a") << str("x/y/a");
-    QTest::newRow("this directory") << str(".") << str("a") << str("./a");
-    QTest::newRow("root directory") << str("/") << str("a") << str("/a");
-    QTest::newRow("empty directory") << QString() << str("a") << str("/a");
-    QTest::newRow("no name") << str("x") << QString() << str("x");
-    QTest::newRow("name with directory") << str("x") << str("y/a") << str("x/y/a");
-    QTest::newRow("absolute name") << str("x") << str("/y/a") << str("/y/a");
-    QTest::newRow("not cleaned") << str("x/..") << str("./a") << str("x/.././a");
+    QTest::newRow("directory and name") << text("x/y") << text("a") << text("x/y/a");
+    QTest::newRow("this directory") << text(".") << text("a") << text("./a");
+    QTest::newRow("root directory") << text("/") << text("a") << text("/a");
+    QTest::newRow("empty directory") << QString() << text("a") << text("/a");
+    QTest::newRow("no name") << text("x") << QString() << text("x");
+    QTest::newRow("name with directory") << text("x") << text("y/a") << text("x/y/a");
+    QTest::newRow("absolute name") << text("x") << text("/y/a") << text("/y/a");
+    QTest::newRow("not cleaned") << text("x/..") << text("./a") << text("x/.././a");
 }
 
 void TestArgFileCommandline::pathOfAFile()
@@ -240,18 +241,18 @@ void TestArgFileCommandline::pathOfAFile()
     file.setFilepath(directory);
     file.setFilename(name);
     QFETCH(QString, path);
-    QCOMPARE(file.toCommandline(false), str("-i ") + path + str(defaultFlags));
+    QCOMPARE(file.toCommandline(false), text("-i ") + path + text(defaultFlags));
 }
 
 void TestArgFileCommandline::userAttributesOfAFile()
 {
     WSFile file = fileAt("a");
-    file.addUserAttribute(str("b"), str("1"));
-    file.addUserAttribute(str("empty"), QString());
-    file.addUserAttribute(str("a"), str("2"));
-    file.addUserAttribute(str("b"), str("$3"));
+    file.addUserAttribute(text("b"), text("1"));
+    file.addUserAttribute(text("empty"), QString());
+    file.addUserAttribute(text("a"), text("2"));
+    file.addUserAttribute(text("b"), text("$3"));
     QCOMPARE(file.toCommandline(false),
-             str("-i ./a") + str(defaultFlags) + str(" -u b \\$3 -u a 2 -u b \\$3"));
+             text("-i ./a") + text(defaultFlags) + text(" -u b \\$3 -u a 2 -u b \\$3"));
 }
 
 void TestArgFileCommandline::filesAlone()
@@ -260,26 +261,26 @@ void TestArgFileCommandline::filesAlone()
     options.addFile(fileAt("b"));
     options.addFile(fileAt("a"));
     QCOMPARE(options.toCommandline(false),
-             str(" -i ./b") + str(defaultFlags) + str(" -i ./a") + str(defaultFlags));
+             text(" -i ./b") + text(defaultFlags) + text(" -i ./a") + text(defaultFlags));
 }
 
 void TestArgFileCommandline::variables()
 {
-    ArgFile options(str("$OUT"), str("$$ROOT"));
-    options.setTitle(str("a $T $$"));
-    options.addUserAttribute(str("$k"), str("$v"));
+    ArgFile options(text("$OUT"), text("$$ROOT"));
+    options.setTitle(text("a $T $$"));
+    options.addUserAttribute(text("$k"), text("$v"));
     WSFile file = fileAt("$DIR/$$a");
-    file.setComment(str("$c"));
-    file.addUserAttribute(str("$$k"), str("${v}"));
+    file.setComment(text("$c"));
+    file.addUserAttribute(text("$$k"), text("${v}"));
     options.addFile(file);
     QCOMPARE(options.toCommandline(true),
-             str("-O $OUT -I \\$ROOT -s title \"a $T \\$\" -U $k $v"
-                 " -i $DIR/\\$a -a comment $c")
-                 + str(defaultFlags) + str(" -u \\$k ${v}"));
+             text("-O $OUT -I \\$ROOT -s title \"a $T \\$\" -U $k $v"
+                  " -i $DIR/\\$a -a comment $c")
+                 + text(defaultFlags) + text(" -u \\$k ${v}"));
     QCOMPARE(options.toCommandline(false),
-             str("-O \\$OUT -I \\$\\$ROOT -s title \"a \\$T \\$\\$\" -U \\$k \\$v"
-                 " -i \\$DIR/\\$\\$a -a comment \\$c")
-                 + str(defaultFlags) + str(" -u \\$\\$k \\${v}"));
+             text("-O \\$OUT -I \\$\\$ROOT -s title \"a \\$T \\$\\$\" -U \\$k \\$v"
+                  " -i \\$DIR/\\$\\$a -a comment \\$c")
+                 + text(defaultFlags) + text(" -u \\$\\$k \\${v}"));
 }
 
 void TestArgFileCommandline::undo_data()
@@ -287,25 +288,25 @@ void TestArgFileCommandline::undo_data()
     QTest::addColumn<QStringList>("documents");
     QTest::addColumn<QString>("request");
     QTest::newRow("none") << QStringList() << QString();
-    QTest::newRow("one") << QStringList(str("a b.pdf"))
-                         << str("<DelWorkflowStep>a b.pdf</DelWorkflowStep>");
-    QTest::newRow("two") << QStringList({str("b"), str("a")})
-                         << str("<DelWorkflowStep>b</DelWorkflowStep>"
-                                "<DelWorkflowStep>a</DelWorkflowStep>");
+    QTest::newRow("one") << QStringList(text("a b.pdf"))
+                         << text("<DelWorkflowStep>a b.pdf</DelWorkflowStep>");
+    QTest::newRow("two") << QStringList({text("b"), text("a")})
+                         << text("<DelWorkflowStep>b</DelWorkflowStep>"
+                                 "<DelWorkflowStep>a</DelWorkflowStep>");
     QTest::newRow("empty path") << QStringList(QString())
-                                << str("<DelWorkflowStep></DelWorkflowStep>");
-    QTest::newRow("not escaped") << QStringList(str("<&\"$\\>"))
-                                 << str("<DelWorkflowStep><&\"$\\></DelWorkflowStep>");
+                                << text("<DelWorkflowStep></DelWorkflowStep>");
+    QTest::newRow("not escaped") << QStringList(text("<&\"$\\>"))
+                                 << text("<DelWorkflowStep><&\"$\\></DelWorkflowStep>");
     QTest::newRow("placeholders")
-        << QStringList({str("%1%2"), str("%1")})
-        << str("<DelWorkflowStep>%1%2</DelWorkflowStep><DelWorkflowStep>%1</DelWorkflowStep>");
+        << QStringList({text("%1%2"), text("%1")})
+        << text("<DelWorkflowStep>%1%2</DelWorkflowStep><DelWorkflowStep>%1</DelWorkflowStep>");
 }
 
 void TestArgFileCommandline::undo()
 {
     QFETCH(QStringList, documents);
     ArgFile options;
-    options.setRootfile(str("root"));
+    options.setRootfile(text("root"));
     options.addFile(fileAt("a"));
     for (const QString& document : documents)
         options.addOutputTreskfile(document);

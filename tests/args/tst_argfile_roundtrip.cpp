@@ -22,7 +22,7 @@ using tresktest::fileTextFields;
 using tresktest::flagFields;
 using tresktest::readOptions;
 using tresktest::ReadOptions;
-using tresktest::str;
+using tresktest::text;
 using tresktest::textFields;
 using tresktest::textOf;
 
@@ -43,33 +43,33 @@ void compare(const ArgFile& written, bool expandVariables, Dollars dollars,
     QCOMPARE(read.messages, tresktest::expectedMessages(written));
 }
 
-const QStringList signs{str("$"), str("\\"), str("\""), str("`"),
-                        str("'"), str("#"),  str("\n"), QString(QChar(0))};
+const QStringList signs{text("$"), text("\\"), text("\""), text("`"),
+                        text("'"), text("#"),  text("\n"), QString(QChar(0))};
 
 /// The names of the lines by which textOf() shows random options, each with a zero.
 QMap<QString, int> namesOfLines()
 {
-    QMap<QString, int> names{{str("verbosity"), 0},       {str("user attribute"), 0},
-                             {str("output document"), 0}, {str("input file"), 0},
-                             {str("output file"), 0},     {str("  user attribute"), 0}};
+    QMap<QString, int> names{{text("verbosity"), 0},       {text("user attribute"), 0},
+                             {text("output document"), 0}, {text("input file"), 0},
+                             {text("output file"), 0},     {text("  user attribute"), 0}};
     for (const auto& field : textFields)
-        names.insert(str(field.name), 0);
-    names.remove(str("firstpage"));
-    names.remove(str("readme"));
+        names.insert(text(field.name), 0);
+    names.remove(text("firstpage"));
+    names.remove(text("readme"));
     for (const auto& field : flagFields)
-        names.insert(str(field.name), 0);
+        names.insert(text(field.name), 0);
     for (const auto& field : fileTextFields)
-        names.insert(str("  ") + str(field.name), 0);
+        names.insert(text("  ") + text(field.name), 0);
     for (const auto& field : fileFlagFields)
-        names.insert(str("  ") + str(field.name), 0);
+        names.insert(text("  ") + text(field.name), 0);
     return names;
 }
 
 ArgFile withTitle(const char* title, const char* description = "")
 {
     ArgFile options;
-    options.setTitle(str(title));
-    options.setDescription(str(description));
+    options.setTitle(text(title));
+    options.setDescription(text(description));
     return options;
 }
 
@@ -106,7 +106,7 @@ void TestArgFileRoundTrip::literal()
     QFETCH(quint32, seed);
     QRandomGenerator random(seed);
     const QHash<QString, QString> empty;
-    const QHash<QString, QString> table{{str("X"), str("value")}, {str("a"), QString()}};
+    const QHash<QString, QString> table{{text("X"), text("value")}, {text("a"), QString()}};
     const std::array<const QHash<QString, QString>*, 3> tables = {&empty, &table, nullptr};
     for (std::size_t i = 0; i < 200; ++i) {
         const ArgFile written = tresktest::randomArgFile(random);
@@ -142,18 +142,18 @@ void TestArgFileRoundTrip::optionsReachEverything()
         const QString title = written.title();
         for (const QString& sign : signs)
             counts[sign] += title.contains(sign) ? 1 : 0;
-        counts[str("quoted")] += tresktest::isQuoted(title) ? 1 : 0;
+        counts[text("quoted")] += tresktest::isQuoted(title) ? 1 : 0;
         const QStringList keys = written.userAttributeKeys();
         for (const QString& key : keys) {
-            counts[str("no value")] += written.userAttribute(key).isEmpty() ? 1 : 0;
-            counts[str("repeated key")] += keys.count(key) > 1 ? 1 : 0;
+            counts[text("no value")] += written.userAttribute(key).isEmpty() ? 1 : 0;
+            counts[text("repeated key")] += keys.count(key) > 1 ? 1 : 0;
         }
-        counts[str("lost flag")] += written.rootIsOptional() && written.rootfile().isEmpty() ? 1
-                                                                                             : 0;
+        counts[text("lost flag")] += written.rootIsOptional() && written.rootfile().isEmpty() ? 1
+                                                                                              : 0;
         for (int file = 0; file < written.numFiles(); ++file) {
             const WSFile before = written.getConstFile(file);
             const WSFile after = expectedFile(before, Dollars::Kept);
-            counts[str("divided anew")] += before.filepath() != after.filepath() ? 1 : 0;
+            counts[text("divided anew")] += before.filepath() != after.filepath() ? 1 : 0;
         }
     }
     for (auto count = counts.cbegin(); count != counts.cend(); ++count)
@@ -168,48 +168,48 @@ void TestArgFileRoundTrip::notKept_data()
     QTest::addColumn<QStringList>("messages");
     const auto add = [](const char* row, const ArgFile& options, const char* commandline,
                         const QStringList& lines, const QStringList& messages = {}) {
-        QTest::newRow(row) << options << str(commandline) << lines << messages;
+        QTest::newRow(row) << options << text(commandline) << lines << messages;
     };
 
     ArgFile options = withTitle("t");
     options.setPretend(true);
-    options.setReadme(str("a"));
-    add("read-me file", options, "--pretend --readme a -s title t", {str("pretend: true")},
-        {str("2 unknown option found: --readme")});
+    options.setReadme(text("a"));
+    add("read-me file", options, "--pretend --readme a -s title t", {text("pretend: true")},
+        {text("2 unknown option found: --readme")});
     options = withTitle("t");
-    options.setFirstpage(str("a"));
+    options.setFirstpage(text("a"));
     add("first page", options, "--firstpage a -s title t", {},
-        {str("2 unknown option found: --firstpage")});
+        {text("2 unknown option found: --firstpage")});
 
     add("single quote", withTitle("it's", "d"), "-s title it's -s description d", {});
-    add("single quotes", withTitle("'a'b"), "-s title 'a'b", {str("title: \"ab\"")});
+    add("single quotes", withTitle("'a'b"), "-s title 'a'b", {text("title: \"ab\"")});
     add("single quotes over words", withTitle("'a", "b'"), "-s title 'a -s description b'",
-        {str("title: \"a -s description b\"")});
+        {text("title: \"a -s description b\"")});
     add("escapes in single quotes", withTitle("'$\"\\`'"), "-s title '\\$\\\"\\\\\\`'",
-        {str("title: \"\\\\$$\\\\\\\"\\\\\\\\\\\\`\"")});
+        {text("title: \"\\\\$$\\\\\\\"\\\\\\\\\\\\`\"")});
     add("number sign", withTitle("a#b", "c"), "-s title a#b -s description c",
-        {str("title: \"a\"")});
+        {text("title: \"a\"")});
     add("number sign first", withTitle("#1", "c"), "-s title #1 -s description c", {},
-        {str("2 not enough parameters for option: -s")});
+        {text("2 not enough parameters for option: -s")});
     add("backslash and number sign", withTitle("a\\#b"), "-s title a\\\\#b",
-        {str("title: \"a\\\\\"")});
+        {text("title: \"a\\\\\"")});
     add("number sign up to a line break", withTitle("a#b", "c\nd"),
         "-s title a#b -s description \"c\nd\"", {});
     options = ArgFile();
-    options.addFile(WSFile())->setFilenameAndPath(str("x#y"));
+    options.addFile(WSFile())->setFilenameAndPath(text("x#y"));
     add("number sign in a file's name", options, " -i ./x#y -f no-optional",
-        {str("input file: \"./\" \"x\"")});
+        {text("input file: \"./\" \"x\"")});
 
-    add("empty document", ArgFile(QString(), str("root")), "-O  -I root",
-        {str("output document: \"-I\"")}, {str("2 unknown option found: root")});
+    add("empty document", ArgFile(QString(), text("root")), "-O  -I root",
+        {text("output document: \"-I\"")}, {text("2 unknown option found: root")});
     add("empty document last", ArgFile(QString(), QString()), "-O ", {},
-        {str("2 not enough parameters for option: -O")});
+        {text("2 not enough parameters for option: -O")});
     options = ArgFile();
-    options.addUserAttribute(QString(), str("v"));
-    add("empty name last", options, "-U  v", {}, {str("2 not enough parameters for option: -U")});
-    options.addUserAttribute(str("k"), str("w"));
-    add("empty name", options, "-U  v -U k w", {str("user attribute: \"v\" = \"-U\"")},
-        {str("2 unknown option found: k")});
+    options.addUserAttribute(QString(), text("v"));
+    add("empty name last", options, "-U  v", {}, {text("2 not enough parameters for option: -U")});
+    options.addUserAttribute(text("k"), text("w"));
+    add("empty name", options, "-U  v -U k w", {text("user attribute: \"v\" = \"-U\"")},
+        {text("2 unknown option found: k")});
 }
 
 void TestArgFileRoundTrip::notKept()
@@ -228,13 +228,13 @@ void TestArgFileRoundTrip::manyWords()
 {
     ArgFile options;
     for (int i = 0; i < 10000; ++i) {
-        options.addOutputTreskfile(str("$X %1").arg(i));
-        options.addUserAttribute(QString::number(i), str("a\\\"b"));
+        options.addOutputTreskfile(text("$X %1").arg(i));
+        options.addUserAttribute(QString::number(i), text("a\\\"b"));
     }
     for (int i = 0; i < 2000; ++i)
         options.addFile(WSFile())->setFilenameAndPath(QString::number(i));
     for (int i = 0; i < 2000; ++i)
-        options.lastFile()->addUserAttribute(str("k"), QString::number(i));
+        options.lastFile()->addUserAttribute(text("k"), QString::number(i));
     const QHash<QString, QString> table;
     compare(options, false, Dollars::Doubled, &table);
     compare(options, true, Dollars::Kept, nullptr);
@@ -242,9 +242,9 @@ void TestArgFileRoundTrip::manyWords()
 
 void TestArgFileRoundTrip::longWord()
 {
-    const QString words = str("a \"$X\" '\\ # $$ `b`\r\n").repeated(10000);
+    const QString words = text("a \"$X\" '\\ # $$ `b`\r\n").repeated(10000);
     QString word = words;
-    word.remove(QRegularExpression(str("[ '#\r\n]")));
+    word.remove(QRegularExpression(text("[ '#\r\n]")));
     ArgFile options(word, words);
     options.setTitle(words);
     const QHash<QString, QString> table;
@@ -254,11 +254,11 @@ void TestArgFileRoundTrip::longWord()
 
 void TestArgFileRoundTrip::manyMessages()
 {
-    const ReadOptions read = readOptions(str("-c --sync-cwd ").repeated(50000) + str("-p x"));
+    const ReadOptions read = readOptions(text("-c --sync-cwd ").repeated(50000) + text("-p x"));
     QCOMPARE(read.messages.size(), 100001);
-    QCOMPARE(read.messages.constFirst(), str("2 unknown option found: x"));
-    QCOMPARE(read.messages.constLast(), str("0 invalid option (--sync-cwd) found"));
-    QCOMPARE(textOf(read.options), QStringList(str("pretend: true")));
+    QCOMPARE(read.messages.constFirst(), text("2 unknown option found: x"));
+    QCOMPARE(read.messages.constLast(), text("0 invalid option (--sync-cwd) found"));
+    QCOMPARE(textOf(read.options), QStringList(text("pretend: true")));
 }
 
 QTEST_GUILESS_MAIN(TestArgFileRoundTrip)

@@ -8,7 +8,7 @@ using tresk::appendAttributeToList;
 using tresk::appendFlagToList;
 using tresk::quoteString;
 using tresk::quoteStringList;
-using tresktest::str;
+using tresktest::text;
 
 /// The words of a command line: how they are listed and how they are quoted.
 class TestArgFileWords : public QObject {
@@ -24,24 +24,24 @@ private Q_SLOTS:
 
 void TestArgFileWords::attributesOfAList()
 {
-    QStringList list{str("before")};
-    appendAttributeToList(str("a value"), str("-x"), str("key"), list);
-    QCOMPARE(list, QStringList({str("before"), str("-x"), str("key"), str("a value")}));
-    appendAttributeToList(QString(), str("-y"), str("key"), list);
+    QStringList list{text("before")};
+    appendAttributeToList(text("a value"), text("-x"), text("key"), list);
+    QCOMPARE(list, QStringList({text("before"), text("-x"), text("key"), text("a value")}));
+    appendAttributeToList(QString(), text("-y"), text("key"), list);
     QCOMPARE(list.size(), 4);
-    appendAttributeToList(str(" "), QString(), QString(), list);
-    QCOMPARE(list.mid(4), QStringList({QString(), QString(), str(" ")}));
+    appendAttributeToList(text(" "), QString(), QString(), list);
+    QCOMPARE(list.mid(4), QStringList({QString(), QString(), text(" ")}));
 }
 
 void TestArgFileWords::flagsOfAList()
 {
-    QStringList list{str("before")};
-    appendFlagToList(true, str("-x"), str("flag"), list);
-    appendFlagToList(false, str("-y"), str("flag"), list);
+    QStringList list{text("before")};
+    appendFlagToList(true, text("-x"), text("flag"), list);
+    appendFlagToList(false, text("-y"), text("flag"), list);
     appendFlagToList(false, QString(), QString(), list);
     QCOMPARE(list,
-             QStringList({str("before"), str("-x"), str("flag"), str("-y"), str("no-flag"),
-                          QString(), str("no-")}));
+             QStringList({text("before"), text("-x"), text("flag"), text("-y"), text("no-flag"),
+                          QString(), text("no-")}));
 }
 
 void TestArgFileWords::quotedString_data()
@@ -51,7 +51,7 @@ void TestArgFileWords::quotedString_data()
     QTest::addColumn<QString>("expanding");
     const auto add = [](const char* row, const char* word, const char* literal,
                         const char* expanding) {
-        QTest::newRow(row) << str(word) << str(literal) << str(expanding);
+        QTest::newRow(row) << text(word) << text(literal) << text(expanding);
     };
     const auto addSame = [&add](const char* row, const char* word, const char* both) {
         add(row, word, both, both);
@@ -103,11 +103,11 @@ void TestArgFileWords::quotedString()
 
 void TestArgFileWords::quotedList()
 {
-    const QStringList list{str("$a"), QString(), str("b c"), str("$a")};
+    const QStringList list{text("$a"), QString(), text("b c"), text("$a")};
     QCOMPARE(quoteStringList(list, false),
-             QStringList({str("\\$a"), QString(), str("\"b c\""), str("\\$a")}));
+             QStringList({text("\\$a"), QString(), text("\"b c\""), text("\\$a")}));
     QCOMPARE(quoteStringList(list, true),
-             QStringList({str("$a"), QString(), str("\"b c\""), str("$a")}));
+             QStringList({text("$a"), QString(), text("\"b c\""), text("$a")}));
     QCOMPARE(quoteStringList({}, false), QStringList());
 }
 

@@ -1,4 +1,4 @@
-#include "ArgfileText.h"
+#include "TokenText.h"
 
 using tresk::ArgfileParser;
 using tresk::ArgfileToken;
@@ -6,7 +6,7 @@ using tresktest::addArgumentColumns;
 using tresktest::listOf;
 using tresktest::parsed;
 using tresktest::row;
-using tresktest::str;
+using tresktest::text;
 using tresktest::VariableTable;
 
 class TestArgfileParser : public QObject {
@@ -32,15 +32,15 @@ namespace {
 /// `word(text)[original text]@position`, or `gap(...)...` for a separator.
 QString textOf(const ArgfileToken& token)
 {
-    return str("%1(%2)[%3]@%4")
-        .arg(token.isSeparator() ? str("gap") : str("word"), token.str(), token.originalText(),
+    return text("%1(%2)[%3]@%4")
+        .arg(token.isSeparator() ? text("gap") : text("word"), token.str(), token.originalText(),
              QString::number(token.position()));
 }
 
-QStringList highlighted(const QString& text)
+QStringList highlighted(const QString& content)
 {
     QStringList lines;
-    const QList<ArgfileToken> tokens = ArgfileParser().getHighlighterList(text);
+    const QList<ArgfileToken> tokens = ArgfileParser().getHighlighterList(content);
     for (const ArgfileToken& token : tokens)
         lines += textOf(token);
     return lines;
@@ -101,26 +101,26 @@ void TestArgfileParser::arguments_data()
 
 void TestArgfileParser::arguments()
 {
-    QFETCH(const QString, text);
-    QTEST(parsed(text, nullptr), "arguments");
+    QFETCH(const QString, content);
+    QTEST(parsed(content, nullptr), "arguments");
 }
 
 void TestArgfileParser::nothingWhereSomethingIsNotClosed_data()
 {
-    QTest::addColumn<QString>("text");
-    for (const char* text :
+    QTest::addColumn<QString>("content");
+    for (const char* content :
          {"'abc", "'", "\"abc", "\"", "abc\\", "\\", "a \\", "'a'\\", "a b 'c", "a\nb\n\"c",
           "\"abc\\\"", "\"\\", "'it's'", "'a\\''", "\"a\"\"", "\\\\\\", "abc\\'d'", "#c\n'"})
-        QTest::newRow(text) << str(text);
+        QTest::newRow(content) << text(content);
 }
 
 void TestArgfileParser::nothingWhereSomethingIsNotClosed()
 {
-    QFETCH(const QString, text);
+    QFETCH(const QString, content);
     const VariableTable empty;
-    QCOMPARE(parsed(text, nullptr), QStringList());
-    QCOMPARE(parsed(text, &empty), QStringList());
-    QCOMPARE(highlighted(text), QStringList());
+    QCOMPARE(parsed(content, nullptr), QStringList());
+    QCOMPARE(parsed(content, &empty), QStringList());
+    QCOMPARE(highlighted(content), QStringList());
 }
 
 void TestArgfileParser::nullTextHasNoTokens()
@@ -133,26 +133,26 @@ void TestArgfileParser::nullTextHasNoTokens()
 
 void TestArgfileParser::nullCharacterIsPartOfAWord()
 {
-    const QString word = str("a") + QChar(0) + str("b");
-    QCOMPARE(parsed(word + str(" '") + word + str("'"), nullptr), QStringList({word, word}));
+    const QString word = text("a") + QChar(0) + text("b");
+    QCOMPARE(parsed(word + text(" '") + word + text("'"), nullptr), QStringList({word, word}));
 }
 
 void TestArgfileParser::callsAreIndependent()
 {
-    const VariableTable table{{str("X"), str("1 2")}};
+    const VariableTable table{{text("X"), text("1 2")}};
     ArgfileParser parser;
-    QCOMPARE(parser.parseArgfile(str("a 'b"), &table), QStringList());
-    QCOMPARE(parser.parseArgfile(str("c' $X"), &table), QStringList());
-    QCOMPARE(parser.parseArgfile(str("$X"), &table), listOf({"1 2"}));
-    QCOMPARE(parser.parseArgfile(str("$X"), nullptr), listOf({"$X"}));
+    QCOMPARE(parser.parseArgfile(text("a 'b"), &table), QStringList());
+    QCOMPARE(parser.parseArgfile(text("c' $X"), &table), QStringList());
+    QCOMPARE(parser.parseArgfile(text("$X"), &table), listOf({"1 2"}));
+    QCOMPARE(parser.parseArgfile(text("$X"), nullptr), listOf({"$X"}));
     ArgfileParser other;
     other = parser;
-    QCOMPARE(other.parseArgfile(str("d"), nullptr), listOf({"d"}));
+    QCOMPARE(other.parseArgfile(text("d"), nullptr), listOf({"d"}));
 }
 
 void TestArgfileParser::highlighterTokens_data()
 {
-    QTest::addColumn<QString>("text");
+    QTest::addColumn<QString>("content");
     QTest::addColumn<QStringList>("tokens");
     row("empty", "", {});
     row("words, strings and comments", "a 'b c'#x",
@@ -180,44 +180,44 @@ void TestArgfileParser::highlighterTokens_data()
 
 void TestArgfileParser::highlighterTokens()
 {
-    QFETCH(const QString, text);
-    QTEST(highlighted(text), "tokens");
+    QFETCH(const QString, content);
+    QTEST(highlighted(content), "tokens");
 }
 
 void TestArgfileParser::positionsCountCodeUnits()
 {
-    QCOMPARE(highlighted(str("\xc3\xa9\xf0\x9f\x98\x80 b")),
+    QCOMPARE(highlighted(text("\xc3\xa9\xf0\x9f\x98\x80 b")),
              listOf({"word(\xc3\xa9\xf0\x9f\x98\x80)[\xc3\xa9\xf0\x9f\x98\x80]@0", "gap()[ ]@3",
                      "word(b)[b]@4"}));
     const QList<ArgfileToken> tokens = ArgfileParser().getHighlighterList(
-        str("'\xf0\x9f\x98\x80'"));
+        text("'\xf0\x9f\x98\x80'"));
     QCOMPARE(int(tokens.size()), 1);
     QCOMPARE(tokens.first().originalLength(), 4);
 }
 
 void TestArgfileParser::tokenConstructors()
 {
-    const ArgfileToken word(str("b"), 7, str("'b'"));
-    QCOMPARE(textOf(word), str("word(b)['b']@7"));
+    const ArgfileToken word(text("b"), 7, text("'b'"));
+    QCOMPARE(textOf(word), text("word(b)['b']@7"));
     QCOMPARE(word.originalLength(), 3);
 
     const ArgfileToken latin1("\xe9", -1, QString());
-    QCOMPARE(textOf(latin1), str("word(\xc3\xa9)[]@-1"));
+    QCOMPARE(textOf(latin1), text("word(\xc3\xa9)[]@-1"));
     QCOMPARE(latin1.originalLength(), 0);
 
-    const ArgfileToken separator(ArgfileToken::Separator, 3, str(" \n"));
-    QCOMPARE(textOf(separator), str("gap()[ \n]@3"));
+    const ArgfileToken separator(ArgfileToken::Separator, 3, text(" \n"));
+    QCOMPARE(textOf(separator), text("gap()[ \n]@3"));
     QCOMPARE(separator.originalLength(), 2);
 }
 
 void TestArgfileParser::tokensAreValues()
 {
-    const ArgfileToken separator(ArgfileToken::Separator, 3, str(" "));
-    ArgfileToken token(str("b"), 7, str("'b'"));
+    const ArgfileToken separator(ArgfileToken::Separator, 3, text(" "));
+    ArgfileToken token(text("b"), 7, text("'b'"));
     const ArgfileToken copy(token);
     token = separator;
     QCOMPARE(textOf(token), textOf(separator));
-    QCOMPARE(textOf(copy), str("word(b)['b']@7"));
+    QCOMPARE(textOf(copy), text("word(b)['b']@7"));
 }
 
 QTEST_GUILESS_MAIN(TestArgfileParser)

@@ -1,5 +1,5 @@
 #include "ArgfileModel.h"
-#include "ArgfileText.h"
+#include "TokenText.h"
 
 #include <QRandomGenerator>
 
@@ -10,7 +10,7 @@ using tresk::ArgfileParser;
 using tresk::ArgfileToken;
 using tresktest::ArgfileModelToken;
 using tresktest::parsed;
-using tresktest::str;
+using tresktest::text;
 using tresktest::VariableTable;
 
 /// The parser beside a model of it, and what must hold of any text: on all short texts of the
@@ -37,19 +37,19 @@ private Q_SLOTS:
 
 namespace {
 
-using Property = std::function<bool(const QString& text)>;
+using Property = std::function<bool(const QString& content)>;
 
 /// Says for which text of at most @p length characters of @p alphabet @p holds is wrong; null if
 /// for none.
 QString counterexample(const QString& alphabet, int length, const Property& holds,
-                       const QString& text = QLatin1String(""))
+                       const QString& content = QLatin1String(""))
 {
-    if (!holds(text))
-        return str("wrong for [%1]").arg(text);
-    if (text.size() == length)
+    if (!holds(content))
+        return text("wrong for [%1]").arg(content);
+    if (content.size() == length)
         return {};
     for (const QChar c : alphabet) {
-        const QString found = counterexample(alphabet, length, holds, text + c);
+        const QString found = counterexample(alphabet, length, holds, content + c);
         if (!found.isNull())
             return found;
     }
@@ -58,10 +58,11 @@ QString counterexample(const QString& alphabet, int length, const Property& hold
 
 const VariableTable& filledTable()
 {
-    static const VariableTable table{{str("X"), str("1 $2")},       {str("a"), str("'\"\\#$\n")},
-                                     {str("XX"), str("")},          {str("aX"), str("\\")},
-                                     {QString(), str("none")},      {str("{X"), str("brace")},
-                                     {str("\\"), str("backslash")}, {str("'"), str("quote")}};
+    static const VariableTable table{
+        {text("X"), text("1 $2")},       {text("a"), text("'\"\\#$\n")},
+        {text("XX"), text("")},          {text("aX"), text("\\")},
+        {QString(), text("none")},       {text("{X"), text("brace")},
+        {text("\\"), text("backslash")}, {text("'"), text("quote")}};
     return table;
 }
 
@@ -77,14 +78,14 @@ bool isSame(const ArgfileToken& token, const ArgfileModelToken& model)
         && token.position() == model.position && token.originalText() == model.originalText;
 }
 
-bool isReadAsByTheModel(const QString& text)
+bool isReadAsByTheModel(const QString& content)
 {
-    const QList<ArgfileToken> tokens = ArgfileParser().getHighlighterList(text);
-    const QList<ArgfileModelToken> expected = tresktest::modelHighlighterList(text);
+    const QList<ArgfileToken> tokens = ArgfileParser().getHighlighterList(content);
+    const QList<ArgfileModelToken> expected = tresktest::modelHighlighterList(content);
     if (!std::equal(tokens.begin(), tokens.end(), expected.begin(), expected.end(), isSame))
         return false;
     const auto hasSameArguments = [&](const VariableTable* table) {
-        return parsed(text, table) == tresktest::modelArguments(text, table);
+        return parsed(content, table) == tresktest::modelArguments(content, table);
     };
     const QList<const VariableTable*> all = tables();
     return std::all_of(all.begin(), all.end(), hasSameArguments);
@@ -102,22 +103,22 @@ QString randomWord(QRandomGenerator& random, int length)
     while (word.size() < length) {
         switch (random.bounded(8)) {
         case 0:
-            word += QString(random.bounded(6), QLatin1Char('\\')) + str("$X");
+            word += QString(random.bounded(6), QLatin1Char('\\')) + text("$X");
             break;
         case 1:
-            word += str("${") + anyOf(str("Xa-"), random) + str("}");
+            word += text("${") + anyOf(text("Xa-"), random) + text("}");
             break;
         case 2:
-            word += QLatin1Char('\\') + anyOf(str("\\'\"$# \n"), random);
+            word += QLatin1Char('\\') + anyOf(text("\\'\"$# \n"), random);
             break;
         case 3:
             word += QLatin1Char('$');
             break;
         case 4:
-            word += str("\xf0\x9f\x98\x80");
+            word += text("\xf0\x9f\x98\x80");
             break;
         default:
-            word += anyOf(str("XaXa01{}-_"), random);
+            word += anyOf(text("XaXa01{}-_"), random);
         }
     }
     return word;
@@ -127,14 +128,14 @@ QString randomToken(QRandomGenerator& random)
 {
     switch (random.bounded(6)) {
     case 0:
-        return QString(anyOf(str(" \t\n\r"), random)).repeated(1 + random.bounded(3));
+        return QString(anyOf(text(" \t\n\r"), random)).repeated(1 + random.bounded(3));
     case 1:
-        return str("#") + randomWord(random, random.bounded(4)).remove(QLatin1Char('\n'))
-            + anyOf(str("\n\r"), random);
+        return text("#") + randomWord(random, random.bounded(4)).remove(QLatin1Char('\n'))
+            + anyOf(text("\n\r"), random);
     case 2:
-        return str("'%1'").arg(randomWord(random, random.bounded(12)).remove(QLatin1Char('\'')));
+        return text("'%1'").arg(randomWord(random, random.bounded(12)).remove(QLatin1Char('\'')));
     case 3:
-        return str("\"%1\"").arg(randomWord(random, random.bounded(20)));
+        return text("\"%1\"").arg(randomWord(random, random.bounded(20)));
     default:
         return randomWord(random, random.bounded(20));
     }
@@ -143,9 +144,9 @@ QString randomToken(QRandomGenerator& random)
 void addAlphabets()
 {
     QTest::addColumn<QString>("alphabet");
-    QTest::newRow("words and strings") << str(" \n'\"\\#$X");
-    QTest::newRow("variables") << str("\\${}Xa'\"");
-    QTest::newRow("line breaks") << str("\r\n\t #\\");
+    QTest::newRow("words and strings") << text(" \n'\"\\#$X");
+    QTest::newRow("variables") << text("\\${}Xa'\"");
+    QTest::newRow("line breaks") << text("\r\n\t #\\");
 }
 
 void addSeeds()
@@ -181,13 +182,13 @@ void TestArgfileParserModel::randomTextsAreReadAsByTheModel()
     int closed = 0;
     const int count = 500;
     for (int i = 0; i < count; ++i) {
-        QString text;
+        QString content;
         for (int tokens = random.bounded(12); tokens >= 0; --tokens)
-            text += randomToken(random);
+            content += randomToken(random);
         if (random.bounded(8) == 0)
-            text.remove(random.bounded(int(text.size()) + 1), 1);
-        QVERIFY2(isReadAsByTheModel(text), qPrintable(text));
-        closed += int(!parsed(text, nullptr).isEmpty());
+            content.remove(random.bounded(int(content.size()) + 1), 1);
+        QVERIFY2(isReadAsByTheModel(content), qPrintable(content));
+        closed += int(!parsed(content, nullptr).isEmpty());
     }
     QVERIFY2(closed > count / 2 && closed < count, qPrintable(QString::number(closed)));
 }
@@ -204,7 +205,7 @@ void TestArgfileParserModel::randomWordsAreReadAsByTheModel()
     for (int i = 0; i < 500; ++i) {
         const QString word = randomWord(random, random.bounded(60));
         QVERIFY2(isReadAsByTheModel(word), qPrintable(word));
-        QVERIFY2(isReadAsByTheModel(str("\"%1\"").arg(word)), qPrintable(word));
+        QVERIFY2(isReadAsByTheModel(text("\"%1\"").arg(word)), qPrintable(word));
     }
 }
 
@@ -216,8 +217,8 @@ void TestArgfileParserModel::tokensCoverTheText_data()
 void TestArgfileParserModel::tokensCoverTheText()
 {
     QFETCH(const QString, alphabet);
-    const auto isCovered = [](const QString& text) {
-        const QList<ArgfileToken> tokens = ArgfileParser().getHighlighterList(text);
+    const auto isCovered = [](const QString& content) {
+        const QList<ArgfileToken> tokens = ArgfileParser().getHighlighterList(content);
         QString covered;
         for (const ArgfileToken& token : tokens) {
             if (token.position() != covered.size() || token.originalLength() == 0
@@ -225,7 +226,7 @@ void TestArgfileParserModel::tokensCoverTheText()
                 return false;
             covered += token.originalText();
         }
-        return tokens.isEmpty() || covered == text;
+        return tokens.isEmpty() || covered == content;
     };
     const QString found = counterexample(alphabet, 6, isCovered);
     QVERIFY2(found.isNull(), qPrintable(found));
@@ -239,8 +240,8 @@ void TestArgfileParserModel::argumentsAreRunsOfTokens_data()
 void TestArgfileParserModel::argumentsAreRunsOfTokens()
 {
     QFETCH(const QString, alphabet);
-    const auto agree = [](const QString& text) {
-        const QList<ArgfileToken> tokens = ArgfileParser().getHighlighterList(text);
+    const auto agree = [](const QString& content) {
+        const QList<ArgfileToken> tokens = ArgfileParser().getHighlighterList(content);
         QStringList runs;
         bool isInRun = false;
         for (const ArgfileToken& token : tokens) {
@@ -250,7 +251,8 @@ void TestArgfileParserModel::argumentsAreRunsOfTokens()
             if (isInRun)
                 runs.last() += token.str();
         }
-        return parsed(text, nullptr) == runs && parsed(text, &filledTable()).size() == runs.size();
+        return parsed(content, nullptr) == runs
+            && parsed(content, &filledTable()).size() == runs.size();
     };
     const QString found = counterexample(alphabet, 6, agree);
     QVERIFY2(found.isNull(), qPrintable(found));
@@ -265,8 +267,8 @@ void TestArgfileParserModel::tablesOnlyChangeTextsWithDollarSigns()
 {
     QFETCH(QString, alphabet);
     alphabet.remove(QLatin1Char('$'));
-    const auto isUnchanged = [](const QString& text) {
-        return parsed(text, &filledTable()) == parsed(text, nullptr);
+    const auto isUnchanged = [](const QString& content) {
+        return parsed(content, &filledTable()) == parsed(content, nullptr);
     };
     const QString found = counterexample(alphabet, 5, isUnchanged);
     QVERIFY2(found.isNull(), qPrintable(found));
@@ -280,19 +282,19 @@ void TestArgfileParserModel::whatIsQuotedComesOutWhole_data()
 void TestArgfileParserModel::whatIsQuotedComesOutWhole()
 {
     QFETCH(const QString, alphabet);
-    const auto isWhole = [](const QString& text) {
+    const auto isWhole = [](const QString& content) {
         QString escaped;
-        for (const QChar c : text)
+        for (const QChar c : content)
             escaped += QLatin1Char('\\') + QString(c);
-        QString doubled = text;
-        doubled.replace(QLatin1Char('$'), str("$$"));
+        QString doubled = content;
+        doubled.replace(QLatin1Char('$'), text("$$"));
         const QStringList expected(doubled);
         const QString inDoubleQuotes = QLatin1Char('"') + escaped + QLatin1Char('"');
-        const QString inSingleQuotes = QLatin1Char('\'') + text + QLatin1Char('\'');
+        const QString inSingleQuotes = QLatin1Char('\'') + content + QLatin1Char('\'');
         return parsed(inDoubleQuotes, nullptr) == expected
             && parsed(inDoubleQuotes, &filledTable()) == expected
-            && (text.isEmpty() || parsed(escaped, &filledTable()) == expected)
-            && (text.contains(QLatin1Char('\''))
+            && (content.isEmpty() || parsed(escaped, &filledTable()) == expected)
+            && (content.contains(QLatin1Char('\''))
                 || parsed(inSingleQuotes, &filledTable()) == expected);
     };
     const QString found = counterexample(alphabet, 5, isWhole);

@@ -7,14 +7,14 @@ using tresk::WSFile;
 using tresktest::fileFlagFields;
 using tresktest::readOptions;
 using tresktest::ReadOptions;
-using tresktest::str;
+using tresktest::text;
 using tresktest::textOf;
 
 namespace {
 
-QString flagMessage(int value, const QString& option = str("-f"))
+QString flagMessage(int value, const QString& option = text("-f"))
 {
-    return str("2 \"%1\" is no valid parameter for option %2").arg(QString::number(value), option);
+    return text("2 \"%1\" is no valid parameter for option %2").arg(QString::number(value), option);
 }
 
 } // namespace
@@ -40,7 +40,8 @@ void TestArgfileReaderFiles::everyFlagWord_data()
     QTest::addColumn<QString>("option");
     for (int i = 0; i < int(fileFlagFields.size()); ++i) {
         for (const char* option : {"-f", "--file-flag"})
-            QTest::addRow("%s %s", option, fileFlagFields[std::size_t(i)].name) << i << str(option);
+            QTest::addRow("%s %s", option, fileFlagFields[std::size_t(i)].name)
+                << i << text(option);
     }
 }
 
@@ -51,20 +52,20 @@ void TestArgfileReaderFiles::everyFlagWord()
     const auto& flag = fileFlagFields[std::size_t(field)];
     const QString word = QLatin1String(flag.name);
     // All but "thumbnail" are set and nevertheless reported.
-    const bool reported = word != str("thumbnail");
+    const bool reported = word != text("thumbnail");
     for (const bool on : {true, false}) {
         WSFile before;
-        before.setFilenameAndPath(str("a"));
+        before.setFilenameAndPath(text("a"));
         (before.*flag.set)(!on);
-        const QString text = str("-i a ") + option + (on ? str(" no-") : str(" ")) + word;
-        const ReadOptions opposite = readOptions(text);
+        const QString content = text("-i a ") + option + (on ? text(" no-") : text(" ")) + word;
+        const ReadOptions opposite = readOptions(content);
         QCOMPARE(textOf(opposite.options), textOf(before));
         QCOMPARE(opposite.messages,
                  reported ? QStringList(flagMessage(on ? 0 : 1, option)) : QStringList());
 
         (before.*flag.set)(on);
-        const ReadOptions read = readOptions(text + str(" ") + option
-                                             + (on ? str(" ") : str(" no-")) + word);
+        const ReadOptions read = readOptions(content + text(" ") + option
+                                             + (on ? text(" ") : text(" no-")) + word);
         QCOMPARE(textOf(read.options), textOf(before));
         QCOMPARE(read.messages,
                  reported ? QStringList(
@@ -75,43 +76,43 @@ void TestArgfileReaderFiles::everyFlagWord()
 
 void TestArgfileReaderFiles::fileWithFlagAndAttribute()
 {
-    const ReadOptions read = readOptions(str("-i a.pdf -f no-embed -a filetype pdf"));
+    const ReadOptions read = readOptions(text("-i a.pdf -f no-embed -a filetype pdf"));
     QCOMPARE(textOf(read.options),
-             QStringList({str("input file: \"./\" \"a.pdf\""), str("  filetype: \"pdf\""),
-                          str("  embed: false")}));
-    QCOMPARE(read.messages, QStringList(str("2 \"0\" is no valid parameter for option -f")));
+             QStringList({text("input file: \"./\" \"a.pdf\""), text("  filetype: \"pdf\""),
+                          text("  embed: false")}));
+    QCOMPARE(read.messages, QStringList(text("2 \"0\" is no valid parameter for option -f")));
 }
 
 void TestArgfileReaderFiles::optionsOfAFileWithoutOne_data()
 {
-    QTest::addColumn<QString>("text");
-    for (const char* text :
+    QTest::addColumn<QString>("content");
+    for (const char* content :
          {"-f thumbnail", "--file-flag no-embed", "-f nonsense", "-a comment x", "-a nonsense x",
           "--file-attr filetype x", "-u k v", "--file-user k v", "-u -i b", "-f -o"})
-        QTest::newRow(text) << str(text);
+        QTest::newRow(content) << text(content);
 }
 
 void TestArgfileReaderFiles::optionsOfAFileWithoutOne()
 {
-    QFETCH(QString, text);
+    QFETCH(QString, content);
     // Passed over with its parameters, whatever these are.
-    const ReadOptions read = readOptions(text + str(" -i a"));
-    QCOMPARE(textOf(read.options), QStringList(str("input file: \"./\" \"a\"")));
+    const ReadOptions read = readOptions(content + text(" -i a"));
+    QCOMPARE(textOf(read.options), QStringList(text("input file: \"./\" \"a\"")));
     QCOMPARE(read.messages, QStringList());
 }
 
 void TestArgfileReaderFiles::optionsApplyToTheLatestFile()
 {
     const ReadOptions read = readOptions(
-        str("-i a -a comment 1 -o b -a comment 2 -s comment step -u k v -i a"
-            " -u k w -f thumbnail -O out -a comment 3"));
+        text("-i a -a comment 1 -o b -a comment 2 -s comment step -u k v -i a"
+             " -u k w -f thumbnail -O out -a comment 3"));
     QCOMPARE(textOf(read.options),
-             QStringList({str("comment: \"step\""), str("output document: \"out\""),
-                          str("input file: \"./\" \"a\""), str("  comment: \"1\""),
-                          str("output file: \"./\" \"b\""), str("  comment: \"2\""),
-                          str("  user attribute: \"k\" = \"v\""), str("input file: \"./\" \"a\""),
-                          str("  comment: \"3\""), str("  thumbnail: true"),
-                          str("  user attribute: \"k\" = \"w\"")}));
+             QStringList({text("comment: \"step\""), text("output document: \"out\""),
+                          text("input file: \"./\" \"a\""), text("  comment: \"1\""),
+                          text("output file: \"./\" \"b\""), text("  comment: \"2\""),
+                          text("  user attribute: \"k\" = \"v\""), text("input file: \"./\" \"a\""),
+                          text("  comment: \"3\""), text("  thumbnail: true"),
+                          text("  user attribute: \"k\" = \"w\"")}));
     QCOMPARE(read.messages, QStringList());
 }
 
@@ -119,22 +120,22 @@ void TestArgfileReaderFiles::pathsOfFiles_data()
 {
     QTest::addColumn<QString>("parameter");
     QTest::addColumn<QString>("line");
-    QTest::newRow("bare") << str("a") << str("\"./\" \"a\"");
-    QTest::newRow("absolute") << str("/x/y/a") << str("\"/x/y/\" \"a\"");
-    QTest::newRow("in the root") << str("/a") << str("\"/\" \"a\"");
-    QTest::newRow("directory") << str("x/") << str("\"x/\" \"\"");
-    QTest::newRow("empty") << str("''") << str("\"./\" \"\"");
-    QTest::newRow("dollar sign") << str("'$x'/$a") << str("\"$$x/\" \"$a\"");
+    QTest::newRow("bare") << text("a") << text("\"./\" \"a\"");
+    QTest::newRow("absolute") << text("/x/y/a") << text("\"/x/y/\" \"a\"");
+    QTest::newRow("in the root") << text("/a") << text("\"/\" \"a\"");
+    QTest::newRow("directory") << text("x/") << text("\"x/\" \"\"");
+    QTest::newRow("empty") << text("''") << text("\"./\" \"\"");
+    QTest::newRow("dollar sign") << text("'$x'/$a") << text("\"$$x/\" \"$a\"");
 }
 
 void TestArgfileReaderFiles::pathsOfFiles()
 {
     QFETCH(QString, parameter);
     QFETCH(QString, line);
-    QCOMPARE(textOf(readOptions(str("-i ") + parameter).options),
-             QStringList(str("input file: ") + line));
-    QCOMPARE(textOf(readOptions(str("--outfile ") + parameter).options),
-             QStringList(str("output file: ") + line));
+    QCOMPARE(textOf(readOptions(text("-i ") + parameter).options),
+             QStringList(text("input file: ") + line));
+    QCOMPARE(textOf(readOptions(text("--outfile ") + parameter).options),
+             QStringList(text("output file: ") + line));
 }
 
 QTEST_GUILESS_MAIN(TestArgfileReaderFiles)

@@ -6,47 +6,47 @@
 
 using tresktest::readOptions;
 using tresktest::ReadOptions;
-using tresktest::str;
+using tresktest::text;
 using tresktest::textOf;
 
 namespace {
 
 void addColumns()
 {
-    QTest::addColumn<QString>("text");
+    QTest::addColumn<QString>("content");
     QTest::addColumn<QStringList>("lines");
     QTest::addColumn<QStringList>("messages");
 }
 
-void addRow(const char* text, const QStringList& lines, const QStringList& messages)
+void addRow(const char* content, const QStringList& lines, const QStringList& messages)
 {
-    QTest::newRow(text) << str(text) << lines << messages;
+    QTest::newRow(content) << text(content) << lines << messages;
 }
 
 QString unknown(const char* option)
 {
-    return str("2 unknown option found: ") + str(option);
+    return text("2 unknown option found: ") + text(option);
 }
 
 QString lacking(const char* option)
 {
-    return str("2 not enough parameters for option: ") + str(option);
+    return text("2 not enough parameters for option: ") + text(option);
 }
 
 QString invalid(const char* option)
 {
-    return str("0 invalid option (") + str(option) + str(") found");
+    return text("0 invalid option (") + text(option) + text(") found");
 }
 
 QString wrongKey(const char* value, const char* option)
 {
-    return str("2 first parameter (") + str(value) + str(") of option ") + str(option)
-        + str(" is invalid");
+    return text("2 first parameter (") + text(value) + text(") of option ") + text(option)
+        + text(" is invalid");
 }
 
 QString wrongFlag(const char* value, const char* option)
 {
-    return str("2 \"") + str(value) + str("\" is no valid parameter for option ") + str(option);
+    return text("2 \"") + text(value) + text("\" is no valid parameter for option ") + text(option);
 }
 
 const QString pretend = QStringLiteral("pretend: true");
@@ -60,7 +60,7 @@ public:
     QStringList texts;
 
 public Q_SLOTS:
-    void log(const QString& text) { texts.append(text); }
+    void log(const QString& content) { texts.append(content); }
 };
 
 } // namespace
@@ -95,8 +95,8 @@ private:
 
 void TestArgfileReaderMessages::check()
 {
-    QFETCH(QString, text);
-    const ReadOptions read = readOptions(text);
+    QFETCH(QString, content);
+    const ReadOptions read = readOptions(content);
     QTEST(read.messages, "messages");
     QTEST(textOf(read.options), "lines");
 }
@@ -109,21 +109,21 @@ void TestArgfileReaderMessages::unknownOptions_data()
           "-P",          "-H",       "-Q",         "--Debug",      "--DEBUG", "debug",   "-debug",
           "--pretend=1", "-pv",      "-Oout",      "-O=out",       "---p",    "--step-", "--input",
           "--output",    "\u2013p",  "p",          "--sync-cwd=x", "-R",      "--1"})
-        QTest::newRow(option) << str(option);
+        QTest::newRow(option) << text(option);
     QTest::newRow("empty") << QString();
-    QTest::newRow("blank in front") << str(" -p");
-    QTest::newRow("line feed behind") << str("-p\n");
+    QTest::newRow("blank in front") << text(" -p");
+    QTest::newRow("line feed behind") << text("-p\n");
 }
 
 void TestArgfileReaderMessages::unknownOptions()
 {
     // It ends the reading: what is in front of it holds, also the rest of what it reports.
     QFETCH(QString, option);
-    const QString message = str("2 unknown option found: ") + option;
-    const ReadOptions alone = readOptions(str("'%1'").arg(option));
+    const QString message = text("2 unknown option found: ") + option;
+    const ReadOptions alone = readOptions(text("'%1'").arg(option));
     QCOMPARE(alone.messages, QStringList(message));
     QCOMPARE(textOf(alone.options), QStringList());
-    const ReadOptions between = readOptions(str("-s foo x -p '%1' b -v").arg(option));
+    const ReadOptions between = readOptions(text("-s foo x -p '%1' b -v").arg(option));
     QCOMPARE(between.messages, QStringList({message, wrongKey("x", "-s")}));
     QCOMPARE(textOf(between.options), QStringList(pretend));
 }
@@ -156,12 +156,12 @@ void TestArgfileReaderMessages::missingParameters_data()
                                "-d",
                                "--doc"})
         QTest::addRow("-p %s", option)
-            << str("-p ") + str(option) << QStringList(pretend) << QStringList(lacking(option));
+            << text("-p ") + text(option) << QStringList(pretend) << QStringList(lacking(option));
     for (const char* option : {"-u", "--file-user", "-a", "--file-attr", "-U", "--step-user", "-s",
                                "--step", "-d", "--doc"})
         QTest::addRow("%s title", option)
-            << str(option) + str(" title") << QStringList() << QStringList(lacking(option));
-    addRow("-O -p", {str("output document: \"-p\"")}, {});
+            << text(option) + text(" title") << QStringList() << QStringList(lacking(option));
+    addRow("-O -p", {text("output document: \"-p\"")}, {});
     addRow("-i a -f -a comment", {fileA}, {unknown("comment"), wrongFlag("1", "-f")});
     addRow("-i a -a comment", {fileA}, {lacking("-a")});
 }
@@ -177,7 +177,7 @@ void TestArgfileReaderMessages::unknownKeys_data()
     addRow("-i a -a foo x", {fileA}, {wrongKey("x", "-a")});
     addRow("-i a --file-attr foo ''", {fileA}, {wrongKey("", "--file-attr")});
     addRow("-s Title x -s '' y", {}, {wrongKey("x", "-s"), wrongKey("y", "-s")});
-    addRow("-s title a -s foo x", {str("title: \"a\"")}, {wrongKey("x", "-s")});
+    addRow("-s title a -s foo x", {text("title: \"a\"")}, {wrongKey("x", "-s")});
     // Keys of the other options.
     addRow("-s producer x", {}, {wrongKey("x", "-s")});
     addRow("-s md5file x", {}, {wrongKey("x", "-s")});
@@ -216,7 +216,7 @@ void TestArgfileReaderMessages::syncCwd_data()
     addColumns();
     addRow("--sync-cwd", {}, {invalid("--sync-cwd")});
     addRow("--sync-cwd -p --sync-cwd", {pretend}, {invalid("--sync-cwd"), invalid("--sync-cwd")});
-    addRow("-O --sync-cwd", {str("output document: \"--sync-cwd\"")}, {});
+    addRow("-O --sync-cwd", {text("output document: \"--sync-cwd\"")}, {});
     addRow("--sync-cwd x", {}, {unknown("x"), invalid("--sync-cwd")});
 }
 
@@ -230,27 +230,28 @@ void TestArgfileReaderMessages::optionC_data()
     addRow("-c x -p", {pretend}, {c, invalid("x")});
     addRow("-c ''", {}, {c, invalid("")});
     addRow("-c -p", {pretend}, {c});
-    addRow("-c --stdin -v", {str("verbosity: 2")}, {c});
+    addRow("-c --stdin -v", {text("verbosity: 2")}, {c});
     addRow("-c --sync-cwd", {}, {c, invalid("--sync-cwd")});
     addRow("-c -c", {}, {c, c});
     addRow("-c -c -p", {pretend}, {c, c});
     addRow("-c -c -c x", {}, {c, c, c, invalid("x")});
-    addRow("-O -c", {str("output document: \"-c\"")}, {});
+    addRow("-O -c", {text("output document: \"-c\"")}, {});
     addRow("-c x y", {}, {unknown("y"), c, invalid("x")});
     // An option behind it takes its parameters from what was checked as further options.
-    addRow("-c -O -p", {str("output document: \"-p\"")}, {c});
-    addRow("-c -s -p -O a -v", {str("verbosity: 2")}, {c, wrongKey("-O", "-s"), invalid("a")});
-    addRow("-c -U -p -v -h", {str("showHelp: true"), str("user attribute: \"-p\" = \"-v\"")}, {c});
+    addRow("-c -O -p", {text("output document: \"-p\"")}, {c});
+    addRow("-c -s -p -O a -v", {text("verbosity: 2")}, {c, wrongKey("-O", "-s"), invalid("a")});
+    addRow("-c -U -p -v -h", {text("showHelp: true"), text("user attribute: \"-p\" = \"-v\"")},
+           {c});
     addRow("-c -i -f embed -f thumbnail",
-           {str("input file: \"./\" \"-f\""), str("  thumbnail: true")}, {c, invalid("embed")});
-    addRow("-c -i -f embed -f", {str("input file: \"./\" \"-f\"")},
+           {text("input file: \"./\" \"-f\""), text("  thumbnail: true")}, {c, invalid("embed")});
+    addRow("-c -i -f embed -f", {text("input file: \"./\" \"-f\"")},
            {lacking("-f"), c, invalid("embed")});
-    addRow("-c -f -p -v", {str("verbosity: 2")}, {c});
-    addRow("-c -O -O a", {str("output document: \"-O\"")}, {c, invalid("a")});
+    addRow("-c -f -p -v", {text("verbosity: 2")}, {c});
+    addRow("-c -O -O a", {text("output document: \"-O\"")}, {c, invalid("a")});
     // None are left for it.
     for (const char* option : {"-1", "-r", "-f", "-A", "-O", "-J", "-I", "-o", "-i", "-u", "-a",
                                "-U", "-s", "-d", "--step", "--outfile"})
-        QTest::addRow("-p -c %s", option) << str("-p -c ") + str(option) << QStringList(pretend)
+        QTest::addRow("-p -c %s", option) << text("-p -c ") + text(option) << QStringList(pretend)
                                           << QStringList({c, lacking(option)});
     addRow("-c -s -p", {}, {c, lacking("-s")});
     addRow("-i a -c -a -p", {fileA}, {c, lacking("-a")});
@@ -265,9 +266,9 @@ void TestArgfileReaderMessages::longFormsBehindOptionC_data()
     // Only here is anything left of these two: the check does not see them as options.
     addColumns();
     const QString c = invalid("-c");
-    addRow("-c --readme -p", {str("readme: \"-p\"")}, {c});
-    addRow("-c --firstpage -p -v", {str("verbosity: 2"), str("firstpage: \"-p\"")}, {c});
-    addRow("-c --readme -r a", {str("readme: \"-r\"")}, {c, invalid("a")});
+    addRow("-c --readme -p", {text("readme: \"-p\"")}, {c});
+    addRow("-c --firstpage -p -v", {text("verbosity: 2"), text("firstpage: \"-p\"")}, {c});
+    addRow("-c --readme -r a", {text("readme: \"-r\"")}, {c, invalid("a")});
     addRow("-c --readme", {}, {c, lacking("--readme")});
     addRow("-c --firstpage", {}, {c, lacking("--firstpage")});
 }
@@ -276,7 +277,7 @@ void TestArgfileReaderMessages::orderOfMessages()
 {
     // The check comes first; then the options speak in their order.
     const ReadOptions read = readOptions(
-        str("-i a -f embed --sync-cwd -s x y -f no-preview -c z -d x y -O"));
+        text("-i a -f embed --sync-cwd -s x y -f no-preview -c z -d x y -O"));
     QCOMPARE(read.messages,
              QStringList({lacking("-O"), wrongFlag("1", "-f"), invalid("--sync-cwd"),
                           wrongKey("y", "-s"), wrongFlag("0", "-f"), invalid("-c"), invalid("z"),
@@ -297,19 +298,19 @@ void TestArgfileReaderMessages::placeholders_data()
     addRow("-i a -a %2 %2", {fileA}, {wrongKey("%2", "-a")});
     addRow("-i a -f %2 -f no-%1", {fileA}, {wrongFlag("1", "-f"), wrongFlag("0", "-f")});
     addRow("-O %1 -U %1 %2",
-           {str("user attribute: \"%1\" = \"%2\""), str("output document: \"%1\"")}, {});
+           {text("user attribute: \"%1\" = \"%2\""), text("output document: \"%1\"")}, {});
 }
 
 void TestArgfileReaderMessages::listenerGetsTheTexts()
 {
     Listener listener;
     tresk::ArgfileReader reader;
-    reader.readArgfile(str("before"), nullptr);
+    reader.readArgfile(text("before"), nullptr);
     reader.publishToLogSlot(&listener);
-    reader.readArgfile(str("--sync-cwd after"), nullptr);
+    reader.readArgfile(text("--sync-cwd after"), nullptr);
     QCOMPARE(listener.texts,
              QStringList(
-                 {str("unknown option found: after"), str("invalid option (--sync-cwd) found")}));
+                 {text("unknown option found: after"), text("invalid option (--sync-cwd) found")}));
 }
 
 QTEST_GUILESS_MAIN(TestArgfileReaderMessages)

@@ -1,10 +1,10 @@
-#include "ArgfileText.h"
+#include "TokenText.h"
 
 using tresktest::addArgumentColumns;
 using tresktest::listOf;
 using tresktest::parsed;
 using tresktest::row;
-using tresktest::str;
+using tresktest::text;
 using tresktest::VariableTable;
 
 class TestArgfileVariables : public QObject {
@@ -28,10 +28,10 @@ namespace {
 
 const VariableTable& table()
 {
-    static const VariableTable variables{{str("X"), str("1 2")},
-                                         {str("XY"), str("both")},
-                                         {str("7up"), str("drink")},
-                                         {str("\xc3\xa9"), str("accent")}};
+    static const VariableTable variables{{text("X"), text("1 2")},
+                                         {text("XY"), text("both")},
+                                         {text("7up"), text("drink")},
+                                         {text("\xc3\xa9"), text("accent")}};
     return variables;
 }
 
@@ -68,8 +68,8 @@ void TestArgfileVariables::variables_data()
 
 void TestArgfileVariables::variables()
 {
-    QFETCH(const QString, text);
-    QTEST(parsed(text, &table()), "arguments");
+    QFETCH(const QString, content);
+    QTEST(parsed(content, &table()), "arguments");
 }
 
 /// Text in front of a variable hides it unless it is a multiple of the variable as long.
@@ -126,14 +126,14 @@ void TestArgfileVariables::whatOnlyBeginsLikeAVariable_data()
 
 void TestArgfileVariables::namesOutsideThePatternAreLookedUp()
 {
-    const VariableTable odd{{QString(), str("nothing")},
-                            {str("-"), str("minus")},
-                            {str("{X"), str("open")},
-                            {str(" "), str("blank")},
-                            {str("\xc3\xa9"), str("accent")}};
-    QCOMPARE(parsed(str("$ ${} $- ${-} ${X $\xc3\xa9"), &odd),
+    const VariableTable odd{{QString(), text("nothing")},
+                            {text("-"), text("minus")},
+                            {text("{X"), text("open")},
+                            {text(" "), text("blank")},
+                            {text("\xc3\xa9"), text("accent")}};
+    QCOMPARE(parsed(text("$ ${} $- ${-} ${X $\xc3\xa9"), &odd),
              listOf({"nothing", "nothing", "minus", "minus", "open", "accent"}));
-    QCOMPARE(parsed(str("\"$ $X\" \"$ \""), &odd), listOf({"blank", "blank"}));
+    QCOMPARE(parsed(text("\"$ $X\" \"$ \""), &odd), listOf({"blank", "blank"}));
 }
 
 void TestArgfileVariables::valuesAreLiteral_data()
@@ -141,7 +141,7 @@ void TestArgfileVariables::valuesAreLiteral_data()
     QTest::addColumn<QString>("value");
     QTest::addColumn<QString>("replaced");
     const auto row = [](const char* name, const char* value, const char* replaced) {
-        QTest::newRow(name) << str(value) << str(replaced);
+        QTest::newRow(name) << text(value) << text(replaced);
     };
     row("empty", "", "");
     row("word", "abc", "abc");
@@ -161,21 +161,21 @@ void TestArgfileVariables::valuesAreLiteral()
 {
     QFETCH(const QString, value);
     QFETCH(const QString, replaced);
-    const VariableTable variables{{str("X"), value}};
-    for (const char* text : {"$X", "${X}", "\"$X\"", "\"${X}\""})
-        QCOMPARE(parsed(str(text), &variables), QStringList(replaced));
-    QCOMPARE(parsed(str("ab$X'c'"), &variables), QStringList(str("ab%1c").arg(replaced)));
-    QCOMPARE(parsed(str("\"ab$X\" $X$X"), &variables),
-             QStringList({str("ab") + replaced, replaced + replaced}));
+    const VariableTable variables{{text("X"), value}};
+    for (const char* content : {"$X", "${X}", "\"$X\"", "\"${X}\""})
+        QCOMPARE(parsed(text(content), &variables), QStringList(replaced));
+    QCOMPARE(parsed(text("ab$X'c'"), &variables), QStringList(text("ab%1c").arg(replaced)));
+    QCOMPARE(parsed(text("\"ab$X\" $X$X"), &variables),
+             QStringList({text("ab") + replaced, replaced + replaced}));
 }
 
 void TestArgfileVariables::nullTableReplacesNothing_data()
 {
-    QTest::addColumn<QString>("text");
+    QTest::addColumn<QString>("content");
     QTest::addColumn<QString>("withNull");
     QTest::addColumn<QString>("withEmpty");
-    const auto row = [](const char* text, const char* withNull, const char* withEmpty) {
-        QTest::newRow(text) << str(text) << str(withNull) << str(withEmpty);
+    const auto row = [](const char* content, const char* withNull, const char* withEmpty) {
+        QTest::newRow(content) << text(content) << text(withNull) << text(withEmpty);
     };
     row("$X", "$X", "");
     row("${X}y", "${X}y", "y");
@@ -193,12 +193,12 @@ void TestArgfileVariables::nullTableReplacesNothing_data()
 
 void TestArgfileVariables::nullTableReplacesNothing()
 {
-    QFETCH(const QString, text);
+    QFETCH(const QString, content);
     QFETCH(const QString, withNull);
     QFETCH(const QString, withEmpty);
     const VariableTable empty;
-    QCOMPARE(parsed(text, nullptr), QStringList(withNull));
-    QCOMPARE(parsed(text, &empty), QStringList(withEmpty));
+    QCOMPARE(parsed(content, nullptr), QStringList(withNull));
+    QCOMPARE(parsed(content, &empty), QStringList(withEmpty));
 }
 
 QTEST_GUILESS_MAIN(TestArgfileVariables)

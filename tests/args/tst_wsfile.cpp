@@ -14,7 +14,7 @@ using tresktest::fileFlagFields;
 using tresktest::fileTextFields;
 using tresktest::fill;
 using tresktest::filledFile;
-using tresktest::str;
+using tresktest::text;
 using tresktest::textOf;
 
 static_assert(WSFile::Input == 0 && WSFile::Output == 1);
@@ -78,28 +78,28 @@ void TestWSFile::filepath_data()
 {
     QTest::addColumn<QString>("path");
     QTest::addColumn<QString>("stored");
-    QTest::newRow("empty") << QString() << str("/");
-    QTest::newRow("root") << str("/") << str("/");
-    QTest::newRow("without slash") << str("a") << str("a/");
-    QTest::newRow("with slash") << str("a/") << str("a/");
-    QTest::newRow("with two") << str("a//") << str("a//");
-    QTest::newRow("backslash") << str("a\\") << str("a\\/");
-    QTest::newRow("not cleaned") << str("/a/../b/./c") << str("/a/../b/./c/");
-    QTest::newRow("blank") << str(" ") << str(" /");
+    QTest::newRow("empty") << QString() << text("/");
+    QTest::newRow("root") << text("/") << text("/");
+    QTest::newRow("without slash") << text("a") << text("a/");
+    QTest::newRow("with slash") << text("a/") << text("a/");
+    QTest::newRow("with two") << text("a//") << text("a//");
+    QTest::newRow("backslash") << text("a\\") << text("a\\/");
+    QTest::newRow("not cleaned") << text("/a/../b/./c") << text("/a/../b/./c/");
+    QTest::newRow("blank") << text(" ") << text(" /");
 }
 
 void TestWSFile::filepath()
 {
     QFETCH(QString, path);
     WSFile file;
-    file.setFilename(str("name"));
+    file.setFilename(text("name"));
     file.setFilepath(path);
     QTEST(file.filepath(), "stored");
     QFETCH(QString, stored);
-    QCOMPARE(file.filename(), stored + str("name"));
-    file.setFilename(str("x/y"));
+    QCOMPARE(file.filename(), stored + text("name"));
+    file.setFilename(text("x/y"));
     QCOMPARE(file.filepath(), stored);
-    QCOMPARE(file.filename(), stored + str("x/y"));
+    QCOMPARE(file.filename(), stored + text("x/y"));
 }
 
 void TestWSFile::filenameAndPath_data()
@@ -107,17 +107,17 @@ void TestWSFile::filenameAndPath_data()
     QTest::addColumn<QString>("path");
     QTest::addColumn<QString>("directory");
     QTest::addColumn<QString>("name");
-    QTest::newRow("bare name") << str("a.pdf") << str("./") << str("a.pdf");
-    QTest::newRow("relative") << str("x/a.pdf") << str("x/") << str("a.pdf");
-    QTest::newRow("deeper") << str("x/y z/a b") << str("x/y z/") << str("a b");
-    QTest::newRow("absolute") << str("/x/a.pdf") << str("/x/") << str("a.pdf");
-    QTest::newRow("in the root") << str("/a.pdf") << str("/") << str("a.pdf");
-    QTest::newRow("the root") << str("/") << str("/") << QString();
-    QTest::newRow("directory alone") << str("x/y/") << str("x/y/") << QString();
-    QTest::newRow("dots stay") << str("./../x/./a") << str("./../x/./") << str("a");
-    QTest::newRow("parent") << str("..") << str("./") << str("..");
-    QTest::newRow("double slash") << str("x//a") << str("x/") << str("a");
-    QTest::newRow("non-ASCII") << str("ä/😀") << str("ä/") << str("😀");
+    QTest::newRow("bare name") << text("a.pdf") << text("./") << text("a.pdf");
+    QTest::newRow("relative") << text("x/a.pdf") << text("x/") << text("a.pdf");
+    QTest::newRow("deeper") << text("x/y z/a b") << text("x/y z/") << text("a b");
+    QTest::newRow("absolute") << text("/x/a.pdf") << text("/x/") << text("a.pdf");
+    QTest::newRow("in the root") << text("/a.pdf") << text("/") << text("a.pdf");
+    QTest::newRow("the root") << text("/") << text("/") << QString();
+    QTest::newRow("directory alone") << text("x/y/") << text("x/y/") << QString();
+    QTest::newRow("dots stay") << text("./../x/./a") << text("./../x/./") << text("a");
+    QTest::newRow("parent") << text("..") << text("./") << text("..");
+    QTest::newRow("double slash") << text("x//a") << text("x/") << text("a");
+    QTest::newRow("non-ASCII") << text("ä/😀") << text("ä/") << text("😀");
 }
 
 void TestWSFile::filenameAndPath()
@@ -144,7 +144,7 @@ void TestWSFile::eachFieldMakesADifference()
     QVERIFY(file == filledFile() && !(file != filledFile()));
     for (const auto& field : fileTextFields) {
         WSFile other = file;
-        (other.*field.set)(str("changed"));
+        (other.*field.set)(text("changed"));
         QVERIFY2(differs(other), field.name);
     }
     for (const auto& field : fileFlagFields) {
@@ -156,18 +156,18 @@ void TestWSFile::eachFieldMakesADifference()
     other.setInputFile(true);
     QVERIFY(differs(other));
     other = file;
-    other.setFilename(str("changed"));
+    other.setFilename(text("changed"));
     QVERIFY(differs(other));
     other = file;
-    other.setFilepath(str("changed"));
+    other.setFilepath(text("changed"));
     QVERIFY(differs(other));
     // The same whole, divided elsewhere.
     other = file;
-    other.setFilepath(str("a/"));
-    other.setFilename(str("b/c"));
+    other.setFilepath(text("a/"));
+    other.setFilename(text("b/c"));
     WSFile divided = other;
-    divided.setFilepath(str("a/b/"));
-    divided.setFilename(str("c"));
+    divided.setFilepath(text("a/b/"));
+    divided.setFilename(text("c"));
     QCOMPARE(divided.filename(), other.filename());
     QVERIFY(divided != other);
 }
@@ -177,17 +177,17 @@ void TestWSFile::userAttributesMakeADifference()
     const auto make = [](const QStringList& keys, const QString& lastValue) {
         WSFile file;
         for (const QString& key : keys)
-            file.addUserAttribute(key, str("1"));
-        file.addUserAttribute(str("z"), lastValue);
+            file.addUserAttribute(key, text("1"));
+        file.addUserAttribute(text("z"), lastValue);
         return file;
     };
-    const WSFile file = make({str("a"), str("b")}, str("2"));
-    QVERIFY(file == make({str("a"), str("b")}, str("2")));
-    QVERIFY(file != make({str("a"), str("b")}, str("3")));
-    QVERIFY(file != make({str("b"), str("a")}, str("2")));
-    QVERIFY(file != make({str("a"), str("b"), str("a")}, str("2")));
-    QVERIFY(file != make({str("a")}, str("2")));
-    QVERIFY(file != make({str("A"), str("b")}, str("2")));
+    const WSFile file = make({text("a"), text("b")}, text("2"));
+    QVERIFY(file == make({text("a"), text("b")}, text("2")));
+    QVERIFY(file != make({text("a"), text("b")}, text("3")));
+    QVERIFY(file != make({text("b"), text("a")}, text("2")));
+    QVERIFY(file != make({text("a"), text("b"), text("a")}, text("2")));
+    QVERIFY(file != make({text("a")}, text("2")));
+    QVERIFY(file != make({text("A"), text("b")}, text("2")));
 }
 
 void TestWSFile::copiesAreIndependent()
@@ -196,8 +196,8 @@ void TestWSFile::copiesAreIndependent()
     const WSFile copy = original;
     WSFile assigned;
     assigned = original;
-    fill(fileTextFields, fileFlagFields, original, str(" new"));
-    original.setFilenameAndPath(str("a/b"));
+    fill(fileTextFields, fileFlagFields, original, text(" new"));
+    original.setFilenameAndPath(text("a/b"));
     original.setInputFile(true);
     QVERIFY(copy == filledFile());
     QVERIFY(assigned == filledFile());
