@@ -9,11 +9,12 @@ namespace tresk::cli {
 
 namespace {
 
-void writeJson(Output& output, const ArgumentFile& file, QJsonObject object)
+/// Completes @p object with what is said of the file in any case.
+QJsonObject withFile(const ArgumentFile& file, QJsonObject object = QJsonObject())
 {
     object.insert(QStringLiteral("file"), file.name());
     object.insert(QStringLiteral("messages"), messagesJson(file.messages()));
-    writeJson(output, object);
+    return object;
 }
 
 void showTokens(Invocation& invocation, ArgumentFile& file)
@@ -21,7 +22,8 @@ void showTokens(Invocation& invocation, ArgumentFile& file)
     const QList<ArgfileToken> tokens = file.tokens();
     file.reportMessages();
     if (invocation.isSet("json"))
-        writeJson(invocation.output, file, {{QStringLiteral("tokens"), tokensJson(tokens)}});
+        writeJson(invocation.output, withFile(file), QStringLiteral("tokens"), int(tokens.size()),
+                  [&tokens](int i) { return tokenJson(tokens[i]); });
     else if (!tokens.isEmpty())
         writeTokens(invocation.output, invocation.style, tokens);
 }
@@ -31,7 +33,9 @@ void showOptions(Invocation& invocation, ArgumentFile& file)
     const ArgFile options = file.options();
     file.reportMessages();
     if (invocation.isSet("json"))
-        writeJson(invocation.output, file, optionsJson(options));
+        writeJson(invocation.output, withFile(file, optionsJson(options)), QStringLiteral("files"),
+                  options.numFiles(),
+                  [&options](int i) { return wsFileJson(options.getConstFile(i)); });
     else if (!file.isBroken())
         writeOptions(invocation.output, invocation.style, options);
 }

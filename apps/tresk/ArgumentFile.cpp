@@ -15,7 +15,7 @@ namespace tresk::cli {
 
 namespace {
 
-constexpr int mebibytes = 4; // the list of tokens takes hundreds of times as much
+constexpr int mebibytes = 4; // the list of tokens takes a hundred times as much
 constexpr qint64 largestSize = qint64(mebibytes) << 20;
 
 bool isVariableName(const QString& name)

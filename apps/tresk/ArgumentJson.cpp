@@ -47,26 +47,6 @@ QJsonObject pdfJson(const ArgFile& options)
             {QStringLiteral("creator"), textOrNull(options.pdfCreator())}};
 }
 
-QJsonObject wsFileJson(const WSFile& file)
-{
-    return {{QStringLiteral("purpose"),
-             file.inputFile() ? QStringLiteral("in") : QStringLiteral("out")},
-            {QStringLiteral("path"), file.filename()},
-            {QStringLiteral("type"), textOrNull(file.filetype())},
-            {QStringLiteral("description"), textOrNull(file.description())},
-            {QStringLiteral("comment"), textOrNull(file.comment())},
-            {QStringLiteral("md5File"), textOrNull(file.md5File())},
-            {QStringLiteral("optional"), file.optional()},
-            {QStringLiteral("compress"), file.compress()},
-            {QStringLiteral("embed"), file.embed()},
-            {QStringLiteral("autoMd5"), file.autoMD5()},
-            {QStringLiteral("previewWs"), file.previewWS()},
-            {QStringLiteral("preview"), file.preview()},
-            {QStringLiteral("thumbnail"), file.thumbnail()},
-            {QStringLiteral("thumbnailOnly"), file.thumbnailOnly()},
-            {QStringLiteral("attributes"), attributesJson(file)}};
-}
-
 QString verbosityName(ArgFile::Verbosity verbosity)
 {
     switch (verbosity) {
@@ -99,9 +79,6 @@ QJsonObject optionsJson(const ArgFile& options)
     QJsonArray outputs;
     for (int i = 0; i < options.numOutputTreskfiles(); ++i)
         outputs += options.outputTreskfile(i);
-    QJsonArray files;
-    for (int i = 0; i < options.numFiles(); ++i)
-        files += wsFileJson(options.getConstFile(i));
     return {{QStringLiteral("outputs"), outputs},
             {QStringLiteral("rootFile"), textOrNull(options.rootfile())},
             {QStringLiteral("rootIsOptional"), options.rootIsOptional()},
@@ -114,21 +91,36 @@ QJsonObject optionsJson(const ArgFile& options)
             {QStringLiteral("version"), options.showVersion()},
             {QStringLiteral("step"), stepJson(options)},
             {QStringLiteral("pdf"), pdfJson(options)},
-            {QStringLiteral("files"), files},
             {QStringLiteral("commandLine"), options.toCommandline(false)}};
 }
 
-QJsonArray tokensJson(const QList<ArgfileToken>& tokens)
+QJsonObject wsFileJson(const WSFile& file)
 {
-    QJsonArray array;
-    for (const ArgfileToken& token : tokens) {
-        array += QJsonObject{{QStringLiteral("position"), token.position()},
-                             {QStringLiteral("length"), token.originalLength()},
-                             {QStringLiteral("kind"), kindOf(token)},
-                             {QStringLiteral("text"), token.originalText()},
-                             {QStringLiteral("value"), token.str()}};
-    }
-    return array;
+    return {{QStringLiteral("purpose"),
+             file.inputFile() ? QStringLiteral("in") : QStringLiteral("out")},
+            {QStringLiteral("path"), file.filename()},
+            {QStringLiteral("type"), textOrNull(file.filetype())},
+            {QStringLiteral("description"), textOrNull(file.description())},
+            {QStringLiteral("comment"), textOrNull(file.comment())},
+            {QStringLiteral("md5File"), textOrNull(file.md5File())},
+            {QStringLiteral("optional"), file.optional()},
+            {QStringLiteral("compress"), file.compress()},
+            {QStringLiteral("embed"), file.embed()},
+            {QStringLiteral("autoMd5"), file.autoMD5()},
+            {QStringLiteral("previewWs"), file.previewWS()},
+            {QStringLiteral("preview"), file.preview()},
+            {QStringLiteral("thumbnail"), file.thumbnail()},
+            {QStringLiteral("thumbnailOnly"), file.thumbnailOnly()},
+            {QStringLiteral("attributes"), attributesJson(file)}};
+}
+
+QJsonObject tokenJson(const ArgfileToken& token)
+{
+    return {{QStringLiteral("position"), token.position()},
+            {QStringLiteral("length"), token.originalLength()},
+            {QStringLiteral("kind"), kindOf(token)},
+            {QStringLiteral("text"), token.originalText()},
+            {QStringLiteral("value"), token.str()}};
 }
 
 QJsonArray messagesJson(const QList<ArgumentMessage>& messages)

@@ -8,9 +8,10 @@
 
 namespace tresk::cli {
 
-/// What @p options say, and how they read as a command line.
+/// What @p options say, and how they read as a command line; all but the files.
 QJsonObject optionsJson(const ArgFile& options);
-QJsonArray tokensJson(const QList<ArgfileToken>& tokens);
+QJsonObject wsFileJson(const WSFile& file);
+QJsonObject tokenJson(const ArgfileToken& token);
 QJsonArray messagesJson(const QList<ArgumentMessage>& messages);
 
 } // namespace tresk::cli

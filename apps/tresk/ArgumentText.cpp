@@ -150,6 +150,20 @@ private:
     const char* m_heading = nullptr; ///< still to be written
 };
 
+/// A token as it is written and, if that is something else, what it stands for.
+QString textOf(const ArgfileToken& token)
+{
+    const QString text = quoted(token.originalText());
+    const bool isSame = token.isSeparator() || token.str() == token.originalText();
+    return isSame ? text : text + QStringLiteral(" = ") + quoted(token.str());
+}
+
+QStringList rowOf(const ArgfileToken& token, const QString& text)
+{
+    return {QString::number(token.position()), QString::number(token.originalLength()),
+            kindOf(token), text};
+}
+
 } // namespace
 
 QString kindOf(const ArgfileToken& token)
@@ -191,14 +205,18 @@ void writeTokens(Output& output, const Style& style, const QList<ArgfileToken>& 
                  {QStringLiteral("LENGTH"), Table::Right},
                  {QStringLiteral("KIND"), Table::Left},
                  {QStringLiteral("TEXT"), Table::Left}});
-    for (const ArgfileToken& token : tokens) {
-        QString text = quoted(token.originalText());
-        if (!token.isSeparator() && token.str() != token.originalText())
-            text += QStringLiteral(" = ") + quoted(token.str());
-        table.addRow({QString::number(token.position()), QString::number(token.originalLength()),
-                      kindOf(token), text});
+    table.makeRoomFor(table.titles());
+    for (const ArgfileToken& token : tokens)
+        table.makeRoomFor(rowOf(token, QString()));
+    // In parts, since there may be millions.
+    const int rows = 1000;
+    for (int i = 0; i < tokens.size() && output.error() == 0; ++i) {
+        table.addRow(rowOf(tokens[i], textOf(tokens[i])));
+        if ((i + 1) % rows == 0 || i + 1 == tokens.size()) {
+            table.writeTo(output, style, i < rows);
+            table.clear();
+        }
     }
-    table.writeTo(output, style, true);
 }
 
 } // namespace tresk::cli

@@ -69,6 +69,24 @@ void writeJson(Output& output, const QJsonObject& object)
     write(output, QJsonDocument(object).toJson());
 }
 
+void writeJson(Output& output, QJsonObject object, const QString& name, int count,
+               const std::function<QJsonObject(int index)>& element)
+{
+    object.insert(name, QJsonArray());
+    const QByteArray json = QJsonDocument(object).toJson();
+    // No other line begins like this one, since texts have no line breaks and objects in this one
+    // are indented further.
+    const QByteArray begin = "\n    \"" + name.toUtf8() + "\": [";
+    const auto end = json.indexOf(begin) + begin.size();
+    write(output, json.left(end));
+    for (int i = 0; i < count && output.error() == 0; ++i) {
+        QByteArray lines = '\n' + QJsonDocument(element(i)).toJson().trimmed();
+        lines.replace("\n", "\n        ");
+        write(output, (i > 0 ? "," : "") + lines);
+    }
+    write(output, json.mid(end));
+}
+
 void writeJsonLine(Output& output, const QJsonObject& object)
 {
     write(output, QJsonDocument(object).toJson(QJsonDocument::Compact) + '\n');

@@ -7,6 +7,8 @@
 #include <QJsonValue>
 #include <QString>
 
+#include <functional>
+
 /// What the commands print for other programs. Every command prints one object.
 ///
 /// Texts of markers come as they are stored under their plain name, say "title". Where that
@@ -28,6 +30,10 @@ QJsonValue jsonText(const QString& text);
 /// Writes @p object in several lines, as UTF-8. Characters that a terminal might act on are
 /// escaped.
 void writeJson(Output& output, const QJsonObject& object);
+/// Writes @p object likewise, with an array called @p name in it besides. Its @p count elements are
+/// made one by one, so that they take no memory.
+void writeJson(Output& output, QJsonObject object, const QString& name, int count,
+               const std::function<QJsonObject(int index)>& element);
 /// Writes @p object likewise, but on one line.
 void writeJsonLine(Output& output, const QJsonObject& object);
 

@@ -15,11 +15,26 @@ QString aligned(const QString& text, Table::Alignment alignment, int width)
     return alignment == Table::Right ? blanks + text : text + blanks;
 }
 
+void widen(QVector<int>& widths, const QStringList& row)
+{
+    for (int i = 0; i < widths.size(); ++i)
+        widths[i] = std::max(widths[i], displayWidth(row[i]));
+}
+
 } // namespace
 
 Table::Table(const QVector<Column>& columns)
     : m_columns(columns)
+    , m_leastWidths(columns.size(), 0)
 {
+}
+
+QStringList Table::titles() const
+{
+    QStringList titles;
+    for (const Column& column : m_columns)
+        titles += column.title;
+    return titles;
 }
 
 void Table::addRow(const QStringList& row)
@@ -27,24 +42,22 @@ void Table::addRow(const QStringList& row)
     m_rows += row;
 }
 
+void Table::makeRoomFor(const QStringList& row)
+{
+    widen(m_leastWidths, row);
+}
+
 void Table::writeTo(Output& output, const Style& style, bool withTitles,
                     const QString& indent) const
 {
-    QStringList titles;
-    for (const Column& column : m_columns)
-        titles += column.title;
-
-    QVector<int> widths(m_columns.size(), 0);
-    const auto widen = [&widths](const QStringList& row) {
-        for (int i = 0; i < widths.size(); ++i)
-            widths[i] = std::max(widths[i], displayWidth(row[i]));
-    };
+    QVector<int> widths = m_leastWidths;
     if (withTitles)
-        widen(titles);
-    std::for_each(m_rows.begin(), m_rows.end(), widen);
+        widen(widths, titles());
+    for (const QStringList& row : m_rows)
+        widen(widths, row);
 
     if (withTitles)
-        output.write(indent + style.label(line(titles, widths)) + QLatin1Char('\n'));
+        output.write(indent + style.label(line(titles(), widths)) + QLatin1Char('\n'));
     for (const QStringList& row : m_rows) {
         const QString id = aligned(row[0], m_columns[0].alignment, widths[0]);
         const QString rest = line(row, widths).mid(id.size());

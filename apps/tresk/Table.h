@@ -22,8 +22,13 @@ public:
 
     explicit Table(const QVector<Column>& columns);
 
+    QStringList titles() const;
     /// Adds a row, with a text for each column. The first is the id of what the row is about.
     void addRow(const QStringList& row);
+    /// Removes all rows.
+    void clear() { m_rows.clear(); }
+    /// Makes the columns wide enough for @p row, which is not added.
+    void makeRoomFor(const QStringList& row);
     /// Writes the titles, if @p withTitles, and the rows, each line behind @p indent.
     void writeTo(Output& output, const Style& style, bool withTitles,
                  const QString& indent = QString()) const;
@@ -32,6 +37,7 @@ private:
     QString line(const QStringList& row, const QVector<int>& widths) const;
 
     QVector<Column> m_columns;
+    QVector<int> m_leastWidths;
     QVector<QStringList> m_rows;
 };
 

@@ -1,6 +1,7 @@
 #include "Arguments.h"
 
 #include <QJsonArray>
+#include <QJsonDocument>
 #include <QtTest>
 
 using namespace tresktest;
@@ -21,7 +22,10 @@ private Q_SLOTS:
     void variablesAreReplaced_data();
     void variablesAreReplaced();
     void valuesMustBeUtf8();
+    void jsonIsLaidOutAsEver_data();
+    void jsonIsLaidOutAsEver();
     void tokensAreListed();
+    void manyTokensAreAligned();
     void tokensCoverTheText();
 
 private:
@@ -265,6 +269,35 @@ void TestCommandArgs::valuesMustBeUtf8()
     QCOMPARE(outcome.exitCode, 2);
 }
 
+void TestCommandArgs::jsonIsLaidOutAsEver_data()
+{
+    QTest::addColumn<QByteArray>("content");
+    QTest::addColumn<int>("files");
+    QTest::addColumn<int>("tokens");
+    QTest::newRow("nothing") << QByteArray() << 0 << 0;
+    QTest::newRow("one token") << QByteArray("-p") << 0 << 1;
+    QTest::newRow("one file") << QByteArray("-i f") << 1 << 3;
+    // Texts that look like what is looked for.
+    QTest::newRow("several files")
+        << QByteArray("-i 'f\n    \"files\": [' -u files '\\n    \"tokens\": [' -o g -i h") << 3
+        << 17;
+}
+
+void TestCommandArgs::jsonIsLaidOutAsEver()
+{
+    QFETCH(QByteArray, content);
+    QFETCH(int, files);
+    QFETCH(int, tokens);
+    const auto check = [&](const QStringList& options, const char* name, int count) {
+        const QByteArray output = args(content, options).output;
+        const QJsonDocument document = QJsonDocument::fromJson(output);
+        QCOMPARE(output, document.toJson());
+        QCOMPARE(static_cast<int>(document.object().value(text(name)).toArray().size()), count);
+    };
+    check({text("--json")}, "files", files);
+    check({text("--json"), text("--highlight")}, "tokens", tokens);
+}
+
 void TestCommandArgs::tokensAreListed()
 {
     const QByteArray content = "a 'b c'\"d\\\"\"\\$#x\n\t$X";
@@ -283,6 +316,20 @@ void TestCommandArgs::tokensAreListed()
     QCOMPARE(QString::fromUtf8(outcome.output), text(expected));
     // Options that do not exist are no matter of tokens.
     QCOMPARE(args("", {text("--highlight")}).output, QByteArray());
+}
+
+void TestCommandArgs::manyTokensAreAligned()
+{
+    const QByteArray content = QByteArray("a ").repeated(5999) + QByteArray(500, 'b') + "#c";
+    const QList<QByteArray> lines = args(content, {text("--highlight")}).output.split('\n');
+    QCOMPARE(static_cast<int>(lines.size()), 12002);
+    QCOMPARE(lines.first(), QByteArray("POSITION  LENGTH  KIND     TEXT"));
+    for (int i = 0; i < 11998; ++i) {
+        const QByteArray kind = i % 2 == 0 ? "word     \"a\"" : "space    \" \"";
+        QCOMPARE(lines[i + 1], QByteArray::number(i).rightJustified(8) + "       1  " + kind);
+    }
+    QVERIFY(lines[11999].startsWith("   11998 "));
+    QVERIFY(lines[12000].endsWith("       2  comment  \"#c\""));
 }
 
 void TestCommandArgs::tokensCoverTheText()
