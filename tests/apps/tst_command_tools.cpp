@@ -56,7 +56,7 @@ bool waitForContent(const QString& path, const QByteArray& bytes)
 /// take whatever there is.
 QString memoryLimit(int kibibytes)
 {
-#ifdef __SANITIZE_ADDRESS__
+#ifdef TRESK_SANITIZED
     Q_UNUSED(kibibytes)
     return {};
 #else

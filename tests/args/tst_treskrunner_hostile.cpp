@@ -23,7 +23,7 @@ using tresktest::ToolFolder;
 
 namespace {
 
-#ifdef __SANITIZE_ADDRESS__
+#ifdef TRESK_SANITIZED
 const bool sanitized = true; // which takes several times as long and as much memory
 #else
 const bool sanitized = false;
