@@ -219,7 +219,7 @@ void TestCommandCat::contradictingSizes()
 
 void TestCommandCat::contentIsNotHeldInMemory()
 {
-#ifdef __SANITIZE_ADDRESS__
+#ifdef TRESK_SANITIZED
     QSKIP("the address sanitizer needs more memory than the limit allows");
 #endif
     const QString path = m_dir.write(

@@ -214,7 +214,7 @@ void TestCommandExtractFaults::streamWithoutChecksumIsInflated()
 
 void TestCommandExtractFaults::contentIsNotHeldInMemory()
 {
-#ifdef __SANITIZE_ADDRESS__
+#ifdef TRESK_SANITIZED
     QSKIP("the address sanitizer needs more memory than the limit allows");
 #endif
     const qint64 size = 400 * mebibyte;

@@ -463,7 +463,7 @@ void TestCommandShow::sameFileAThousandTimes()
 
 void TestCommandShow::largeSummaryTakesLittleMemory()
 {
-#ifdef __SANITIZE_ADDRESS__
+#ifdef TRESK_SANITIZED
     QSKIP("the address sanitizer needs more memory than the limit allows");
 #endif
     // 24 MiB, of which no more than two copies as UTF-16 fit.

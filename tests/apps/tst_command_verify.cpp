@@ -434,7 +434,7 @@ void TestCommandVerify::claimsBeyondTheDocumentAreNotFollowed()
 
 void TestCommandVerify::contentIsNotHeldInMemory()
 {
-#ifdef __SANITIZE_ADDRESS__
+#ifdef TRESK_SANITIZED
     QSKIP("the address sanitizer needs more memory than the limit allows");
 #endif
     m_dir.write(text("some.pdf"),
