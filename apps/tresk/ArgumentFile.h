@@ -46,8 +46,8 @@ public:
     /// What the file says; what is wrong with it is added to the messages.
     ArgFile options();
     /// Whether the text says what @p options are from its beginning to its end; the reader stops
-    /// where it meets an option that it does not know, or one that lacks its parameters. (Its messages
-    /// cannot tell, since it makes errors of much that does not stop it.)
+    /// where it meets an option that it does not know, or one that lacks its parameters. (Its
+    /// messages cannot tell, since it makes errors of much that does not stop it.)
     bool isReadToItsEnd(const ArgFile& options) const;
 
     /// Tells the user all messages.
