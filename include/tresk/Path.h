@@ -9,6 +9,8 @@
 #include <QSharedPointer>
 
 #include <memory>
+#include <utility>
+#include <vector>
 
 namespace tresk {
 
@@ -67,6 +69,8 @@ public:
     /// node of the first tree the pairing is complete: what is left of the second tree is paid
     /// for, and the first half of it, rounded up, is marked as paired with nothing.
     void associate(int a, int b);
+    /// The same for all @p pairs in order, each a first-tree node and its partner.
+    void associate(const std::vector<std::pair<int, int>>& pairs);
     /// Pushes a copy for every partner that the first undecided node of the first tree can have,
     /// nothing last; its priority is getCosts() without the fraction.
     void expand(PriorityQueue<QSharedPointer<Path>>& queue);
@@ -94,7 +98,7 @@ private:
     struct State;
 
     void decide(int a, int b, State& state);
-    void complete(State& state);
+    void complete(const State& state, int leftOver);
 
     PathExpander* m_expander;
     std::shared_ptr<const Decision> m_last; ///< what was decided, last first

@@ -77,7 +77,7 @@ public:
 private:
     QList<QSharedPointer<Path>> findPaths(const CostMatrix& matrix, PathExpander& expander,
                                           int n) const;
-    static TreskDiffResult convertPath(const Path& path);
+    static TreskDiffResult convertPath(const Path& path, const PathExpander& expander);
 
     WorkflowTree m_tree1;
     WorkflowTree m_tree2;

@@ -10,7 +10,7 @@ namespace tresk {
 namespace {
 
 constexpr double infinite = std::numeric_limits<double>::infinity();
-constexpr double rounding = 1e-7; // far below the differences of prices
+constexpr double rounding = 1e-7; // smaller differences of costs do not count
 
 std::size_t at(int place)
 {

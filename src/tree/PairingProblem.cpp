@@ -5,9 +5,6 @@
 
 #include "tree/HashOrder.h"
 
-#include <QHash>
-#include <QList>
-
 #include <algorithm>
 #include <cmath>
 
@@ -16,7 +13,9 @@ namespace tresk {
 namespace {
 
 constexpr double largestPrice = 1e9;
-constexpr double largestRoundPrice = 1000; ///< sums of thousands of these are exact in floats
+// So many prices, up to so large, add up to what floats hold in quarters.
+constexpr double largestRoundPrice = 1000;
+constexpr int mostRoundPrices = 4000;
 
 QHash<int, int> placesOf(const QList<int>& ids)
 {
@@ -68,6 +67,19 @@ PairingProblem::PairingProblem(const WorkflowTree& tree1, const WorkflowTree& tr
     const QList<int> ids2 = tree2.nodeIds();
     rows = int(ids1.size());
     columns = int(ids2.size());
+    setPrices(ids1, ids2, matrix);
+    const QHash<int, int> places = placesOf(ids1);
+    parentRow = parentsOf(tree1, places);
+    parentColumn = parentsOf(tree2, placesOf(ids2));
+    setChildren();
+    setCharges(ids1, places);
+}
+
+void PairingProblem::setPrices(const QList<int>& ids1, const QList<int>& ids2,
+                               const CostMatrix& matrix)
+{
+    if (rows + columns > mostRoundPrices)
+        grain = 0;
     prices.reserve(std::size_t(rows) * std::size_t(columns));
     for (const int a : ids1) {
         for (const int b : ids2) {
@@ -79,40 +91,46 @@ PairingProblem::PairingProblem(const WorkflowTree& tree1, const WorkflowTree& tr
                                                : std::clamp(price, -largestPrice, largestPrice));
         }
     }
-    const QHash<int, int> places = placesOf(ids1);
-    parentRow = parentsOf(tree1, places);
-    parentColumn = parentsOf(tree2, placesOf(ids2));
+}
+
+void PairingProblem::setChildren()
+{
     childRows.resize(std::size_t(rows));
-    childColumns.resize(std::size_t(columns));
-    chargedRow.assign(std::size_t(rows), unknown);
-    chargingRow.assign(std::size_t(rows), unknown);
-    expectedCharge.assign(std::size_t(rows), 0.0);
-    expectedColumn.assign(std::size_t(rows), unknown);
-    const QList<int> table = rowsInTable(ids1, places);
     for (int row = 0; row < rows; ++row) {
         int& parent = parentRow[std::size_t(row)];
         if (parent >= row)
             parent = unknown; // it is not decided yet when this row is
         if (parent >= 0)
             childRows[std::size_t(parent)].push_back(row);
-        const int charged = table.value(ids1.at(row), unknown);
-        chargedRow[std::size_t(row)] = charged;
-        if (charged > parent && parent >= 0)
-            chargingRow[std::size_t(charged)] = parent;
     }
+    childColumns.resize(std::size_t(columns));
     for (int column = 0; column < columns; ++column) {
         const int parent = parentColumn[std::size_t(column)];
         if (parent >= 0)
             childColumns[std::size_t(parent)].push_back(column);
     }
-    if (grain > 0)
-        preferLikeSubtrees();
 }
 
-/// Makes pairs cheaper whose subtrees and parents are alike, by so little that it only decides
-/// between equal costs.
+void PairingProblem::setCharges(const QList<int>& ids1, const QHash<int, int>& places)
+{
+    chargedRow.assign(std::size_t(rows), unknown);
+    chargingRow.assign(std::size_t(rows), unknown);
+    expectedCharge.assign(std::size_t(rows), 0.0);
+    expectedColumn.assign(std::size_t(rows), unknown);
+    const QList<int> table = rowsInTable(ids1, places);
+    for (int row = 0; row < rows; ++row) {
+        const int parent = parentRow[std::size_t(row)];
+        const int charged = table.value(ids1.at(row), unknown);
+        chargedRow[std::size_t(row)] = charged;
+        if (charged > parent && parent >= 0)
+            chargingRow[std::size_t(charged)] = parent;
+    }
+}
+
 void PairingProblem::preferLikeSubtrees()
 {
+    if (!(grain > 0))
+        return;
     const auto width = std::size_t(columns);
     const double dearest = 2.5 * aloneCost; // of a pair that is not better left alone
     std::vector<double> unlike(prices.size());

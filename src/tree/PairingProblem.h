@@ -1,6 +1,9 @@
 #ifndef TRESK_TREE_PAIRINGPROBLEM_H
 #define TRESK_TREE_PAIRINGPROBLEM_H
 
+#include <QHash>
+#include <QList>
+
 #include <cstddef>
 #include <vector>
 
@@ -20,6 +23,10 @@ constexpr int unknown = -2;
 /// a Path decides on them, columns those of the second.
 struct PairingProblem {
     PairingProblem(const WorkflowTree& tree1, const WorkflowTree& tree2, const CostMatrix& matrix);
+
+    /// Makes pairs dearer whose subtrees and parents are not alike, by so little that it only
+    /// decides between equal costs. Where floats are rounded it does nothing.
+    void preferLikeSubtrees();
 
     double price(int row, int column) const
     {
@@ -54,7 +61,9 @@ struct PairingProblem {
     std::vector<int> expectedColumn;
 
 private:
-    void preferLikeSubtrees();
+    void setPrices(const QList<int>& ids1, const QList<int>& ids2, const CostMatrix& matrix);
+    void setChildren();
+    void setCharges(const QList<int>& ids1, const QHash<int, int>& places);
 };
 
 } // namespace tresk

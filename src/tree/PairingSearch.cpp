@@ -20,7 +20,7 @@ namespace {
 
 constexpr std::size_t mostBytes = 128 * 1024 * 1024; ///< for partial pairings and results
 constexpr int bytesOfNode = 100; ///< in a result
-constexpr qint64 mostWork = 800 * 1000 * 1000; ///< pairs of nodes, for each partial pairing
+constexpr qint64 mostWork = 2000 * 1000 * 1000; ///< pairs of nodes, for each partial pairing
 /// Rows by rows and columns, for which assignments are solved: the numbers that a path of decisions
 /// keeps.
 constexpr qint64 largestProblem = 2 * 1000 * 1000;
@@ -115,6 +115,7 @@ void Search::run()
 /// Finds a first pairing by following the assignments, and makes it better if it can be.
 void Search::start()
 {
+    m_problem.preferLikeSubtrees();
     PartialPairing nothing(m_problem);
     OptionalMatching matching(nothing);
     for (int round = 0; round < 3; ++round) {
@@ -152,11 +153,9 @@ FoundPaths Search::findings() const
     found.expanded = m_expanded;
     for (const Result& result : m_results)
         found.paths.append(result.path);
-    if (!m_candidates.empty() && !isTooDear(m_candidates.top().bound)) {
-        const double gap = m_results.back().priority - std::floor(m_candidates.top().bound);
-        const double most = m_results.back().priority + 2147483648.0; // to the lowest priority
-        found.gap = int(std::clamp(gap, 1.0, std::min(most, 2147483647.0)));
-    }
+    found.areSure = m_candidates.empty() || isTooDear(m_candidates.top().bound);
+    if (!found.areSure)
+        found.lowestOther = priorityOf(float(std::floor(m_candidates.top().bound)));
     return found;
 }
 
@@ -260,11 +259,13 @@ void Search::record(const PartialPairing& pairing)
     const bool isKnown = !m_improved.empty() && pairing.partners() == m_improved;
     if (isKnown || isTooDear(pairing.costsOfAll()))
         return;
-    const auto path = QSharedPointer<Path>::create(&m_expander);
+    std::vector<std::pair<int, int>> pairs;
     for (int row = 0; row < m_problem.rows; ++row) {
         const int column = pairing.partners()[std::size_t(row)];
-        path->associate(m_ids1.at(row), column == alone ? -3 : m_ids2.at(column));
+        pairs.emplace_back(m_ids1.at(row), column == alone ? -3 : m_ids2.at(column));
     }
+    const auto path = QSharedPointer<Path>::create(&m_expander);
+    path->associate(pairs);
     const int priority = priorityOf(path->getCosts());
     const auto place = std::upper_bound(
         m_results.begin(), m_results.end(), priority,
@@ -294,12 +295,15 @@ void Search::pairGreedily()
 {
     PartialPairing pairing(m_problem);
     const double leftOver = pairing.aloneColumnCost();
-    double bound = leftOver * m_problem.columns - pairing.oddDiscount();
+    double bound = leftOver * m_problem.columns; // if each row could have the column that it wants
+    double leastExtra =
+        pairing.oddDiscount(); // for a number of pairs that is odd, or even, instead
+    int pairs = 0;
     while (!pairing.isComplete()) {
         const int row = pairing.firstOpenRow();
         int cheapest = alone;
         double cost = pairing.aloneRowCost(row);
-        double lowest = m_problem.aloneCost;
+        double lowest = std::numeric_limits<double>::infinity(); // of all columns
         for (int column = 0; column < m_problem.columns; ++column) {
             lowest = std::min(lowest, m_problem.price(row, column) - leftOver);
             if (!pairing.isOpenColumn(column))
@@ -309,9 +313,13 @@ void Search::pairGreedily()
                 cost = pairing.pairCost(row, column) - leftOver;
             }
         }
-        bound += lowest;
+        bound += std::min(lowest, m_problem.aloneCost);
+        pairs += lowest < m_problem.aloneCost ? 1 : 0;
+        leastExtra = std::min(leastExtra, std::abs(lowest - m_problem.aloneCost));
         pairing.decide(cheapest);
     }
+    const bool isOdd = (m_problem.columns - pairs) % 2 != 0;
+    bound -= pairing.oddDiscount() - (isOdd ? 0 : leastExtra);
     record(pairing);
     push({bound, 0, 0, nullptr, alone, nullptr});
 }

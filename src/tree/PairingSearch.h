@@ -15,8 +15,9 @@ class WorkflowTree;
 struct FoundPaths {
     QList<QSharedPointer<Path>> paths; ///< complete, cheapest first
     int expanded = 0; ///< number of partial pairings that were looked at
-    /// By how much a pairing could be cheaper that is not among them; 0 if there is none.
-    int gap = 0;
+    /// Whether these are the cheapest, and there are as many as were wanted, or no more.
+    bool areSure = true;
+    int lowestOther = 0; ///< otherwise: what others cost at least
 };
 
 /// Finds the @p n cheapest pairings of two trees, or all if there are fewer, by the priorities that
@@ -28,8 +29,9 @@ struct FoundPaths {
 /// then the one that follows the assignment, then the one found first. So pairings of equal
 /// priority are found in the same order in every process.
 ///
-/// Time and memory are limited: after a fixed amount of work, what was found so far stands, and the
-/// gap says how good it is. There is always at least one path.
+/// Time and memory are limited: when some of either is used up, what was found so far stands. There
+/// is always at least one path. Where floats are rounded, a pairing that costs less than a whole
+/// number by no more than the rounding may be passed over for one that costs it.
 FoundPaths findPairings(const WorkflowTree& tree1, const WorkflowTree& tree2,
                         const CostMatrix& matrix, PathExpander& expander, int n);
 

@@ -79,10 +79,12 @@ double PartialPairing::costsOfAll() const
 bool PartialPairing::hasPairedAncestor(int row, int column) const
 {
     const int partner = m_rowOf[std::size_t(column)];
+    if (partner == alone)
+        return false;
     int ancestor = m_problem->parentRow[std::size_t(row)];
-    while (ancestor >= 0 && ancestor != partner)
+    while (ancestor > partner) // parents stand before their children
         ancestor = m_problem->parentRow[std::size_t(ancestor)];
-    return partner != alone && ancestor == partner;
+    return ancestor == partner;
 }
 
 void PartialPairing::leaveAlone(int row)
@@ -118,20 +120,20 @@ void PartialPairing::setAncestor(int row, int partner)
         m_expectedParent[r] = partner;
 }
 
-/// A row is the child of one that is paired with nothing; @p row is the one that is looked up
+/// A row is the child of one that is paired with nothing; @p charged is the one that is looked up
 /// for it.
-void PartialPairing::charge(int row)
+void PartialPairing::charge(int charged)
 {
-    if (row == unknown)
+    if (charged == unknown)
         return;
     const double cost = m_problem->wrongParentCost;
-    if (row == atTop) { // its parent counts as changed
+    if (charged == atTop) { // its parent counts as changed
         m_costs += cost;
         return;
     }
-    const auto r = std::size_t(row);
+    const auto r = std::size_t(charged);
     const int expected = m_ancestorPartner[r];
-    if (row >= firstOpenRow()) {
+    if (charged >= firstOpenRow()) {
         m_isCharged[r] = 1;
         m_expectedParent[r] = expected;
         m_aloneCost[r] += cost;

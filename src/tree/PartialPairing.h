@@ -72,7 +72,7 @@ private:
     void leaveAlone(int row);
     void pairWith(int row, int column);
     void setAncestor(int row, int partner);
-    void charge(int row);
+    void charge(int charged);
 
     const PairingProblem* m_problem;
     std::vector<int> m_partners;

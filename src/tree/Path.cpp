@@ -37,21 +37,24 @@ LinkedNodeIds linked(const std::vector<int>& ids)
 
 } // namespace
 
-/// One step of a path: a pair, or a second-tree node that is left over, for which the first table
-/// has no entry.
+/// One step of a path: a pair, or the closing of what is left over of the second tree.
 struct Path::Decision {
-    int a;
-    int b;
-    bool later; ///< the wrong-parent cost is settled at the end
-    bool leftOver;
+    int a = -2;
+    int b = -2;
+    bool later = false; ///< the wrong-parent cost is settled at the end
+    bool closes = false;
     std::shared_ptr<const Decision> previous;
 
-    Decision(int first, int second, bool settledLater, bool isLeftOver,
-             std::shared_ptr<const Decision> before)
+    Decision(int first, int second, bool settledLater, std::shared_ptr<const Decision> before)
         : a(first)
         , b(second)
         , later(settledLater)
-        , leftOver(isLeftOver)
+        , previous(std::move(before))
+    {
+    }
+
+    explicit Decision(std::shared_ptr<const Decision> before)
+        : closes(true)
         , previous(std::move(before))
     {
     }
@@ -80,13 +83,21 @@ struct Path::State {
             decisions.push_back(d);
         associate(-1, -1);
         for (auto d = decisions.crbegin(); d != decisions.crend(); ++d) {
-            if ((*d)->leftOver) {
-                assoc2.insert((*d)->b, -3);
+            if ((*d)->closes) {
+                close(openNodes(path.m_expander->m_tree2->nodeIds(), assoc2));
             } else {
                 associate((*d)->a, (*d)->b);
                 later.insert((*d)->a, (*d)->later);
             }
         }
+    }
+
+    /// Marks the first half of @p leftOver as paired with nothing; the rest stays open, and so
+    /// counts once more in the priority.
+    void close(const std::vector<int>& leftOver)
+    {
+        for (std::size_t i = 0; i < (leftOver.size() + 1) / 2; ++i)
+            assoc2.insert(leftOver[i], -3);
     }
 
     void associate(int a, int b)
@@ -111,12 +122,22 @@ Path::Path(PathExpander* expander)
 
 void Path::associate(int a, int b)
 {
+    associate({{a, b}});
+}
+
+void Path::associate(const std::vector<std::pair<int, int>>& pairs)
+{
     State state(*this);
-    if (!state.assoc1.contains(a) && m_expander->m_tree1->workflowStep(a))
-        --m_openCount;
-    decide(a, b, state);
-    if (m_openCount == 0)
-        complete(state);
+    for (const auto& [a, b] : pairs) {
+        if (!state.assoc1.contains(a) && m_expander->m_tree1->workflowStep(a))
+            --m_openCount;
+        decide(a, b, state);
+        if (m_openCount == 0) {
+            const auto leftOver = openNodes(m_expander->m_tree2->nodeIds(), state.assoc2);
+            complete(state, int(leftOver.size()));
+            state.close(leftOver);
+        }
+    }
 }
 
 /// Adds the pair to the path and to @p state, the path's own.
@@ -126,19 +147,17 @@ void Path::decide(int a, int b, State& state)
     m_cost += m_expander->costForAssociation(a, b, state.assoc1, state.assoc2);
     const bool later = m_expander->calcParentCostsLater(a, b, state.assoc1, state.assoc2);
     state.later.insert(a, later);
-    m_last = std::make_shared<const Decision>(a, b, later, false, std::move(m_last));
+    m_last = std::make_shared<const Decision>(a, b, later, std::move(m_last));
 }
 
-/// Pays for what is left of the second tree, and for parents that can be told only now.
-void Path::complete(State& state)
+/// Pays for the @p leftOver nodes of the second tree, and for parents that can be told only now,
+/// and closes the path.
+void Path::complete(const State& state, int leftOver)
 {
-    const std::vector<int> leftOver = openNodes(m_expander->m_tree2->nodeIds(), state.assoc2);
-    m_cost += m_expander->costForUnmatchedNodes(int(leftOver.size()));
+    m_cost += m_expander->costForUnmatchedNodes(leftOver);
     m_cost += missingParentCosts(*m_expander, state.decided, state.assoc1, state.assoc2,
                                  state.later, m_expander->m_costs->costsWrongParent());
-    // Only the first half is closed; the rest counts once more in the priority.
-    for (std::size_t i = 0; i < (leftOver.size() + 1) / 2; ++i)
-        m_last = std::make_shared<const Decision>(-3, leftOver[i], false, true, std::move(m_last));
+    m_last = std::make_shared<const Decision>(std::move(m_last));
 }
 
 void Path::expand(PriorityQueue<QSharedPointer<Path>>& queue)
@@ -159,8 +178,10 @@ void Path::expand(PriorityQueue<QSharedPointer<Path>>& queue)
         if (successor->m_openCount > 0) {
             queue.push(successor, priorityOf(costsToCome + successor->m_cost));
         } else {
-            successor->complete(with);
-            queue.push(successor, priorityOf(successor->getCosts()));
+            const int leftOver = int(open2.size()) - (b == -3 ? 0 : 1);
+            successor->complete(with, leftOver);
+            const float costsOfOpen = m_expander->costForUnmatchedNodes(leftOver / 2);
+            queue.push(successor, priorityOf(costsOfOpen + successor->m_cost));
         }
     };
     for (std::size_t i = 0; i < open2.size(); ++i) {

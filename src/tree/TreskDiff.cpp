@@ -22,14 +22,6 @@ const Table* tableOf(TreeId t, const Table& first, const Table& second)
     return t == SecondTree ? &second : nullptr;
 }
 
-QHash<int, bool> parentChanges(const Path& path, const QHash<int, int>& associations, TreeId t)
-{
-    QHash<int, bool> changes;
-    for (auto entry = associations.begin(); entry != associations.end(); ++entry)
-        changes.insert(entry.key(), path.parentChanged(entry.key(), t));
-    return changes;
-}
-
 } // namespace
 
 TreskDiffResult::TreskDiffResult(const QHash<int, int>& assoc1, const QHash<int, int>& assoc2,
@@ -90,7 +82,7 @@ QList<TreskDiffResult> TreskDiff::findBestMatches(int n) const
     const QList<QSharedPointer<Path>> paths = findPaths(matrix, expander, n);
     QList<TreskDiffResult> results;
     for (const QSharedPointer<Path>& path : paths)
-        results.append(convertPath(*path));
+        results.append(convertPath(*path, expander));
     return results;
 }
 
@@ -105,15 +97,17 @@ QList<QSharedPointer<Path>> TreskDiff::findPaths(const CostMatrix& matrix, PathE
         if (!search.gaveUp())
             return paths;
     }
-    const FoundPaths found = findPairings(m_tree1, m_tree2, matrix, expander, n);
-    if (found.gap > 0) {
-        const int priority = priorityOf(found.paths.last()->getCosts());
-        Q_EMIT const_cast<TreskDiff*>(this)->log(
-            tr("The histories differ too much to be sure of the cheapest pairing: the one found "
-               "costs "
-               "%1, others may cost from %2 on")
-                .arg(QString::number(priority), QString::number(priority - found.gap)),
-            1);
+    FoundPaths found = findPairings(m_tree1, m_tree2, matrix, expander, n);
+    if (!found.areSure) {
+        const QString costs = QString::number(priorityOf(found.paths.last()->getCosts()));
+        const QString others = QString::number(found.lowestOther);
+        const QString message = found.paths.size() < n
+            ? tr(
+                "The histories differ too much to find more pairings: the last one found costs %1, "
+                "others may cost from %2 on")
+            : tr("The histories differ too much to be sure of the cheapest pairing: the one found "
+                 "costs %1, others may cost from %2 on");
+        Q_EMIT const_cast<TreskDiff*>(this)->log(message.arg(costs, others), 1);
     }
     return found.paths;
 }
@@ -126,12 +120,17 @@ QSharedPointer<TreskDiffResult> TreskDiff::findBestMatch() const
     return QSharedPointer<TreskDiffResult>::create(results.first());
 }
 
-TreskDiffResult TreskDiff::convertPath(const Path& path)
+TreskDiffResult TreskDiff::convertPath(const Path& path, const PathExpander& expander)
 {
     const QHash<int, int> first = path.associations(FirstTree);
     const QHash<int, int> second = path.associations(SecondTree);
-    return {first, second, parentChanges(path, first, FirstTree),
-            parentChanges(path, second, SecondTree)};
+    QHash<int, bool> changes1;
+    for (auto entry = first.begin(); entry != first.end(); ++entry)
+        changes1.insert(entry.key(), expander.parentChanged(entry.key(), first, second));
+    QHash<int, bool> changes2;
+    for (auto entry = second.begin(); entry != second.end(); ++entry)
+        changes2.insert(entry.key(), expander.parentChanged(entry.value(), first, second));
+    return {first, second, changes1, changes2};
 }
 
 } // namespace tresk

@@ -47,6 +47,9 @@ private Q_SLOTS:
     void sumsThatAreRounded_data();
     void sumsThatAreRounded();
     void noMoreResultsThanCanBeKept();
+    void nothingIsSureOfTheLowestPriority();
+    void treesThatAreTooLargeForAssignments_data();
+    void treesThatAreTooLargeForAssignments();
 };
 
 namespace {
@@ -108,8 +111,8 @@ QString difference(ComparedTrees& trees, const Paths& plain, int n)
         expected.removeLast();
     const FoundPaths found = findPairings(trees.tree1, trees.tree2, trees.matrix, trees.expander,
                                           n);
-    if (found.gap != 0)
-        return QStringLiteral("a gap of %1").arg(found.gap);
+    if (!found.areSure)
+        return QStringLiteral("others may cost %1").arg(found.lowestOther);
     if (mayBeRounded(plain) || mayBeRounded(found.paths))
         return haveLikeCosts(found.paths, expected) ? QString() : QStringLiteral("other costs");
     const std::vector<int> priorities = prioritiesOf(found.paths);
@@ -259,7 +262,7 @@ void TestPairingSearch::treesWithoutNodes()
     const FoundPaths found = findPairings(trees.tree1, trees.tree2, trees.matrix, trees.expander,
                                           7);
     QCOMPARE(prioritiesOf(found.paths), std::vector<int>{priority});
-    QCOMPARE(found.gap, 0);
+    QVERIFY(found.areSure);
     const Path& path = *found.paths.first();
     QVERIFY(path.reachedGoal());
     for (int id = 0; id < nodes1; ++id)
@@ -298,7 +301,7 @@ void TestPairingSearch::atLeastOneIsFound()
                                           n);
     const std::vector<int> all{0, 30, 30, 75, 80, 80, 100};
     QCOMPARE(prioritiesOf(found.paths), std::vector<int>(all.begin(), all.begin() + count));
-    QCOMPARE(found.gap, 0);
+    QVERIFY(found.areSure);
 }
 
 void TestPairingSearch::pairingsOfEqualPriorityComeInTheSameOrder()
@@ -341,9 +344,6 @@ void TestPairingSearch::pricesOfAllSizes()
         const FoundPaths found = findPairings(trees.tree1, trees.tree2, trees.matrix,
                                               trees.expander, 2);
         QCOMPARE(found.paths.size(), 2);
-        // No priority is lower than the smallest int, nor can one be said to be.
-        const qint64 lowest = std::numeric_limits<int>::min();
-        QVERIFY(prioritiesOf(found.paths).back() - qint64(found.gap) >= lowest);
         std::set<Pairing> pairings;
         for (const QSharedPointer<Path>& path : found.paths) {
             QVERIFY(path->reachedGoal());
@@ -375,7 +375,7 @@ void TestPairingSearch::sumsThatAreRounded()
     const FoundPaths found = findPairings(trees.tree1, trees.tree2, trees.matrix, trees.expander,
                                           1);
     QCOMPARE(found.paths.size(), 1);
-    QCOMPARE(found.gap, 0);
+    QVERIFY(found.areSure);
     QVERIFY(std::abs(found.paths.first()->getCosts() - 60 * price) < 0.01F);
 }
 
@@ -389,13 +389,60 @@ void TestPairingSearch::noMoreResultsThanCanBeKept()
     ComparedTrees trees(problem);
     const FoundPaths found = findPairings(trees.tree1, trees.tree2, trees.matrix, trees.expander,
                                           1000 * 1000);
-    QVERIFY(found.gap > 0);
+    QVERIFY(!found.areSure);
     QVERIFY(found.paths.size() > 100);
     // Each keeps the partners of 60 nodes, in much more than 4 KiB, and 128 MiB are allowed.
     QVERIFY(found.paths.size() < 32 * 1024);
     const std::vector<int> priorities = prioritiesOf(found.paths);
     QCOMPARE(priorities.front(), 15 * 30 + 15 * 30 + 15 * 15);
     QVERIFY(std::is_sorted(priorities.begin(), priorities.end()));
+}
+
+void TestPairingSearch::nothingIsSureOfTheLowestPriority()
+{
+    // All pairings have it, and there are more than can be kept.
+    ModelProblem problem;
+    problem.tree1 = {0, std::vector<int>(30, -1), std::vector<int>(30, 0)};
+    problem.tree2 = problem.tree1;
+    problem.prices = {{-1e30F}};
+    ComparedTrees trees(problem);
+    const FoundPaths found = findPairings(trees.tree1, trees.tree2, trees.matrix, trees.expander,
+                                          100 * 1000);
+    QVERIFY(found.paths.size() < 100 * 1000);
+    QVERIFY(!found.areSure);
+    QCOMPARE(found.lowestOther, std::numeric_limits<int>::min());
+}
+
+void TestPairingSearch::treesThatAreTooLargeForAssignments_data()
+{
+    QTest::addColumn<int>("kind");
+    QTest::addColumn<int>("others");
+    QTest::addColumn<int>("priority");
+    QTest::addColumn<bool>("areSure");
+
+    QTest::newRow("the same steps") << 0 << 1001 << 0 << true;
+    QTest::newRow("other steps") << 1 << 1000 << 15 * 1001 + 15 * 1000 + 15 * 500 << true;
+    QTest::newRow("more than can have the partner they want") << 0 << 1000 << 15 << false;
+}
+
+void TestPairingSearch::treesThatAreTooLargeForAssignments()
+{
+    QFETCH(const int, kind);
+    QFETCH(const int, others);
+    QFETCH(const int, priority);
+    QFETCH(const bool, areSure);
+
+    const auto count = std::size_t(others);
+    ModelProblem problem;
+    problem.tree1 = {0, std::vector<int>(1001, -1), std::vector<int>(1001, kind)};
+    problem.tree2 = {0, std::vector<int>(count, -1), std::vector<int>(count, 0)};
+    problem.prices = {{0.0F}, {50.0F}};
+    ComparedTrees trees(problem);
+    const FoundPaths found = findPairings(trees.tree1, trees.tree2, trees.matrix, trees.expander,
+                                          1);
+    QCOMPARE(prioritiesOf(found.paths), std::vector<int>{priority});
+    QCOMPARE(found.areSure, areSure);
+    QVERIFY(areSure || found.lowestOther < priority);
 }
 
 QTEST_APPLESS_MAIN(TestPairingSearch)
