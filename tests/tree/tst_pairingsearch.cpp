@@ -381,6 +381,9 @@ void TestPairingSearch::sumsThatAreRounded()
 
 void TestPairingSearch::noMoreResultsThanCanBeKept()
 {
+#ifdef TRESK_SANITIZED
+    QSKIP("the sanitizers make this much longer");
+#endif
     // There are far more pairings than that.
     ModelProblem problem;
     problem.tree1 = {0, std::vector<int>(30, -1), std::vector<int>(30, 0)};
@@ -400,6 +403,9 @@ void TestPairingSearch::noMoreResultsThanCanBeKept()
 
 void TestPairingSearch::nothingIsSureOfTheLowestPriority()
 {
+#ifdef TRESK_SANITIZED
+    QSKIP("the sanitizers make this much longer");
+#endif
     // All pairings have it, and there are more than can be kept.
     ModelProblem problem;
     problem.tree1 = {0, std::vector<int>(30, -1), std::vector<int>(30, 0)};

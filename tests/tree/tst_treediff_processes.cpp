@@ -78,7 +78,6 @@ QByteArray findings()
         text += found(problem, 1) + QLatin1Char('\n');
     }
     const tresktest::Parents groups = tresktest::groupedParents(20, 5);
-    text += findings(tresktest::unrelatedHistories(40));
     text += findings(tresktest::mixedHistories(groups, groups));
     return text.toUtf8();
 }
@@ -104,7 +103,7 @@ void TestTreeDiffProcesses::allProcessesFindTheSame()
 {
     const QByteArray expected = findings();
     QVERIFY(expected.count("FINISHED") > 200);
-    QCOMPARE(int(expected.count("large:")), 2);
+    QCOMPARE(int(expected.count("large:")), 1);
     QSet<QByteArray> orders;
     // Qt 6 knows the seed 0 only, and takes one of its own choice for the others.
     for (const char* const seed : {"0", "1", "42", "4711", static_cast<const char*>(nullptr)}) {
