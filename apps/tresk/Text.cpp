@@ -80,7 +80,7 @@ QString printable(const QString& text)
 
 void forPrintable(QStringView text, const std::function<void(const QString&)>& take)
 {
-    const decltype(text.size()) longest = 64 * 1024;
+    const decltype(text.size()) longest = 65536;
     for (decltype(text.size()) begin = 0, end = 0; begin < text.size(); begin = end) {
         end = std::min(begin + longest, text.size());
         if (end < text.size() && text[end - 1].isHighSurrogate())

@@ -83,7 +83,7 @@ void PairingProblem::setPrices(const QList<int>& ids1, const QList<int>& ids2,
     prices.reserve(std::size_t(rows) * std::size_t(columns));
     for (const int a : ids1) {
         for (const int b : ids2) {
-            const double price = double(matrix.costs(a, b));
+            const auto price = double(matrix.costs(a, b));
             if (!(std::abs(price) <= largestRoundPrice) || std::floor(price * 4) < price * 4)
                 grain = 0;
             // Others cannot be added up; the order of results is none then.

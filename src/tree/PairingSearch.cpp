@@ -18,12 +18,14 @@ namespace tresk {
 
 namespace {
 
-constexpr std::size_t mostBytes = 128 * 1024 * 1024; ///< for partial pairings and results
+constexpr std::size_t mostBytes = std::size_t(128) * 1024
+    * 1024; ///< for partial pairings and results
 constexpr int bytesOfNode = 100; ///< in a result
-constexpr qint64 mostWork = 2000 * 1000 * 1000; ///< pairs of nodes, for each partial pairing
+constexpr qint64 mostWork = qint64(2000) * 1000
+    * 1000; ///< pairs of nodes, for each partial pairing
 /// Rows by rows and columns, for which assignments are solved: the numbers that a path of decisions
 /// keeps.
-constexpr qint64 largestProblem = 2 * 1000 * 1000;
+constexpr qint64 largestProblem = qint64(2) * 1000 * 1000;
 constexpr int completeEvery = 64; ///< of the partial pairings, one is followed to its end
 
 /// A partial pairing that was looked at.

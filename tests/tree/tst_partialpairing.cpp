@@ -262,9 +262,9 @@ void TestPartialPairing::nothingBecomesCheaperThanEstimated()
     QFETCH(const int, prices);
 
     RandomTrees random(quint32(prices) + 1);
-    for (int i = 0; i < 250; ++i) {
+    for (int i = 0; i < 160; ++i) {
         const QString wrong = wrongEstimateOf(
-            random, problemWithRows(random, i < 220 ? 4 : 5, Prices(prices)));
+            random, problemWithRows(random, i < 140 ? 4 : 5, Prices(prices)));
         QVERIFY2(wrong.isEmpty(), qPrintable(wrong));
     }
 }
@@ -284,7 +284,7 @@ void TestPartialPairing::neitherDoesAnythingInDeepTrees()
     const std::vector<std::vector<int>> otherShapes = {
         {-1, 0, 1}, {-1, 0, 0}, {-1, 0, 1, 1}, {-1, 0, 1, 2}, {-1, -1, 1, 1}, {-1, 0, 0, 1}};
     RandomTrees random(quint32(prices) + 11);
-    for (int i = 0; i < 25; ++i) {
+    for (int i = 0; i < 15; ++i) {
         for (const std::vector<int>& shape : shapes) {
             const std::vector<int>& otherShape = otherShapes[std::size_t(random.number(0, 5))];
             const ModelProblem model = problemOfShapes(random, shape, otherShape, Prices(prices));
@@ -304,7 +304,7 @@ void TestPartialPairing::matchingsAreTheCheapest()
     QFETCH(const int, prices);
 
     RandomTrees random(quint32(prices) + 100);
-    for (int i = 0; i < 250; ++i) {
+    for (int i = 0; i < 160; ++i) {
         const ModelProblem model = problemWithRows(random, 6, Prices(prices));
         Trial trial(model);
         expectCharges(random, trial.problem);

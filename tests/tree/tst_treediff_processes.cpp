@@ -106,7 +106,7 @@ void TestTreeDiffProcesses::allProcessesFindTheSame()
     QCOMPARE(int(expected.count("large:")), 1);
     QSet<QByteArray> orders;
     // Qt 6 knows the seed 0 only, and takes one of its own choice for the others.
-    for (const char* const seed : {"0", "1", "42", "4711", static_cast<const char*>(nullptr)}) {
+    for (const char* const seed : {"0", "4711", static_cast<const char*>(nullptr)}) {
         const QByteArray output = outputOf(seed);
         const auto end = output.indexOf('\n');
         QVERIFY2(output.startsWith("hash: "), output.constData());

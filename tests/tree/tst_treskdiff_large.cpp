@@ -196,7 +196,6 @@ void TestTreskDiffLarge::noDearerThanThePairingByHand_data()
     const auto addRow = [](const char* name, const Parents& parents) {
         QTest::newRow(name) << mixedHistories(parents, parents);
     };
-    addRow("fewer, three under each", branchingParents(60, 3));
     addRow("in groups", groupedParents(200, 5));
     addRow("one under the other", chainedParents(200));
 }
