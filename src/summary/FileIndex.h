@@ -4,29 +4,33 @@
 #include <tresk/Summary.h>
 #include <tresk/TreskParser.h>
 
+#include "summary/LikeFiles.h"
+
 #include <QHash>
 #include <QList>
 #include <QString>
 
 #include <optional>
-#include <vector>
+#include <utility>
 
 namespace tresk {
 
 /// The embedded files of one section, to be found for the files that its summary names.
 class FileIndex {
 public:
-    FileIndex(const QList<FileTag>& files, int sectionId);
+    explicit FileIndex(const QList<FileTag>& files);
 
     /// Takes out the embedded file that is @p file, and returns its id: the nearest of those
-    /// with the same key (makeFileHash()), of equally near ones the last in the document.
-    /// Nothing where none is near enough.
+    /// with the same name, checksum and size, of equally near ones the last in the document.
+    /// Nothing where there is none. (With another name, checksum or size a file is too far
+    /// away, also where the keys of makeFileHash() are the same.)
     std::optional<int> take(const FileSummary& file);
 
 private:
-    int m_sectionId;
+    using Key = std::pair<QString, std::pair<QString, int>>; ///< name, checksum and size
+
     QList<FileTag> m_files;
-    QHash<QString, std::vector<int>> m_byKey; ///< places in m_files not taken, ascending
+    QHash<Key, LikeFiles> m_byKey;
 };
 
 } // namespace tresk

@@ -36,7 +36,7 @@ std::optional<Summary> readSummaryDocument(TreskParser& parser, const QList<File
 /// Ties the files that @p summary names to those of its section, @p files.
 void tieFiles(Summary& summary, const QList<FileTag>& files)
 {
-    FileIndex index(files, summary.tagId);
+    FileIndex index(files);
     for (FileSummary& file : summary.files) {
         if (!file.embedded)
             continue;

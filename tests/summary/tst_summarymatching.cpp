@@ -8,6 +8,10 @@
 #include <QTest>
 #include <QtAlgorithms>
 
+#include <array>
+#include <random>
+#include <vector>
+
 using tresk::FileSummary;
 using tresk::Summary;
 using tresktest::DocumentWriter;
@@ -108,6 +112,8 @@ private Q_SLOTS:
     void allLightFieldsTogether();
     void nearestOfTwo();
     void lastOfEquallyNear();
+    void nearestOfMany_data();
+    void nearestOfMany();
     void firstNamedChoosesFirst();
     void eachFileOnce();
     void manyTimesTheSame();
@@ -205,6 +211,67 @@ void TestSummaryMatching::lastOfEquallyNear()
     // The same goes for files that are not quite the same.
     const FileElement other = FileElement(file()).with("Comment", "x");
     QCOMPARE(matched({file(), file(), file()}, {other, other}), (QList<int>{2, 1}));
+}
+
+void TestSummaryMatching::nearestOfMany_data()
+{
+    QTest::addColumn<int>("files");
+    QTest::addColumn<int>("values");
+    for (const int files : {1, 2, 15, 16, 17, 18, 40, 300}) {
+        for (const int values : {1, 2, 3, 40}) {
+            QTest::newRow(qPrintable(QStringLiteral("%1 of %2 values").arg(files).arg(values)))
+                << files << values;
+        }
+    }
+}
+
+void TestSummaryMatching::nearestOfMany()
+{
+    // Each looks for its own among all that are left.
+    QFETCH(int, files);
+    QFETCH(int, values);
+    std::mt19937 random(static_cast<unsigned>(files * 100 + values));
+    const auto draw = [&] {
+        std::array<QByteArray, 6> result;
+        for (QByteArray& value : result)
+            value = QByteArray::number(static_cast<int>(random() % unsigned(values)));
+        result[3] = result[3].rightJustified(32, '0'); // a checksum has this many digits
+        return result;
+    };
+    QVector<FileSpec> specs;
+    std::vector<std::array<QByteArray, 6>> fields;
+    std::vector<bool> taken(static_cast<size_t>(files), false);
+    for (int i = 0; i < files; ++i) {
+        fields.push_back(draw());
+        FileSpec spec = FileSpec::plain(latin1("name"), "content");
+        for (size_t field = 0; field < 6; ++field)
+            spec.with(lightFields[field].markerKey, fields.back()[field]);
+        specs += spec;
+    }
+    QVector<FileElement> elements;
+    QList<int> expected;
+    for (int i = 0; i < files + 2; ++i) {
+        const std::array<QByteArray, 6> wanted = draw();
+        FileElement element(specs.constFirst());
+        for (size_t field = 0; field < 6; ++field)
+            element.with(lightFields[field].elementName, wanted[field]);
+        elements += element;
+        int nearest = -1;
+        int smallest = 15;
+        for (size_t file = 0; file < fields.size(); ++file) {
+            int apart = 0;
+            for (size_t field = 0; field < 6; ++field)
+                apart += fields[file][field] == wanted[field] ? 0 : lightFields[field].weight;
+            if (!taken[file] && apart <= smallest) {
+                smallest = apart;
+                nearest = static_cast<int>(file);
+            }
+        }
+        expected += nearest;
+        if (nearest >= 0)
+            taken[static_cast<size_t>(nearest)] = true;
+    }
+    QCOMPARE(matched(specs, elements), expected);
 }
 
 void TestSummaryMatching::firstNamedChoosesFirst()
