@@ -10,6 +10,17 @@ namespace tresk {
 
 class TreskParser;
 
+/// What summaries may take still, of one document or of several in turn, and what came short of
+/// that. Few bytes of a document may unpack to summaries of any size, and where steps reach back
+/// over each other, each names all files again.
+struct TRESK_EXPORT SummaryBudget {
+    /// Of summary documents, unpacked; read into summaries they may take thirty times as much.
+    qint64 bytes = qint64(64) * 1024 * 1024;
+    qint64 files = 1000000; ///< named by summaries
+    QList<int> unread; ///< ids of the sections whose summary documents have more bytes than left
+    QList<int> withoutFiles; ///< ids of the sections that have more files than left
+};
+
 /// Makes the summaries of all steps of a document. Has no state.
 class TRESK_EXPORT SummaryCreator : public QObject {
     Q_OBJECT
@@ -32,8 +43,17 @@ public:
     /// Files that belong to no section follow, where there are any, in one more summary titled
     /// "<unmatched files>", with `tagId` 0.
     ///
-    /// What cannot be read is reported in debug lines of the logging category "tresk".
+    /// What cannot be read is reported in debug lines of the logging category "tresk". That holds
+    /// also for a summary document of 1 GiB and more, which no text can hold.
+    ///
+    /// There is no bound on the memory that summaries take: each names all files of its step.
+    /// For documents from strangers there is the other function.
     QList<Summary> createSummaries(TreskParser& parser);
+    /// The same within @p budget, from which it takes what was needed. A summary document for
+    /// which it does not suffice counts as one that cannot be read, and a summary for whose files
+    /// it does not suffice has none; both are added to the lists there, and smaller ones behind
+    /// them are read all the same. The section's id in the lists is -1 for "<unmatched files>".
+    QList<Summary> createSummaries(TreskParser& parser, SummaryBudget& budget);
 };
 
 /// Writes all fields of @p s and of its files to the debug channel, logging category "tresk",

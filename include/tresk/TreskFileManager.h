@@ -54,6 +54,8 @@ public:
                                              const QString& path);
     /// The parser that is kept under @p path; null if there is none.
     QSharedPointer<TreskParser> parser(const QString& path) const;
+    /// Lets go of the document that is kept under @p path, if there is one.
+    void remove(const QString& path);
     /// Lets go of all documents.
     void clear();
 

@@ -3,6 +3,7 @@
 
 #include <tresk/LogSource.h>
 #include <tresk/Summary.h>
+#include <tresk/SummaryCreator.h>
 #include <tresk/TreeId.h>
 #include <tresk/TreskFileManager.h>
 
@@ -39,13 +40,38 @@ private:
     QString m_fileOnDisk;
 };
 
+/// How far a tree follows embedded documents, and what it holds in memory. A small file may hold
+/// documents that are deflated again and again, or that overlap, and thus any number of them.
+struct TRESK_EXPORT WorkflowTreeLimits {
+    /// More levels are not followed, whatever the limits say: the tree and those who walk it call
+    /// themselves for each, and as JSON, for instance, few programs could read them.
+    static constexpr int deepest = 250;
+
+    int depth = 100; ///< levels of embedded documents below the document itself
+    int documents = 10000; ///< embedded documents in all
+    qint64 bytes = qint64(16) * 1024 * 1024 * 1024; ///< of documents and summaries, unpacked
+    qint64 summaryBytes = SummaryBudget().bytes; ///< of these, of summaries
+    /// Steps and files that lie in embedded documents, and files that steps have.
+    qint64 records = SummaryBudget().files;
+};
+
+/// What a tree has left out since it would go beyond a limit.
+struct TRESK_EXPORT WorkflowTreeOmission {
+    enum Limit { Depth, Documents, Bytes, SummaryBytes, Records };
+
+    Limit limit;
+    int nodeId; ///< of the step that is concerned
+    /// The name of the document that the step embeds. Null where it is the summary of the step
+    /// itself: SummaryBytes if it was not read, Records if it lacks its files.
+    QString document;
+};
+
 /// The steps of a document and of the documents that are embedded in it.
 ///
 /// The steps of one document are siblings, newest first. Under a step hang the steps of the
 /// documents that it embeds: files named "*.tresk" that its summary says to be embedded. They are
 /// extracted to temporary files, which only the user can read, and which go with the last copy of
-/// the tree. Embedded documents are followed 100 levels deep, and 10000 of them or 16 GiB in all;
-/// what is left out is logged with type 1.
+/// the tree. What would go beyond the limits is left out, and logged with type 1.
 ///
 /// Nodes are numbered from 0 in the order in which they are added; a tree that is cleared and
 /// filled again goes on counting.
@@ -58,6 +84,13 @@ public:
     WorkflowTree(const WorkflowTree& other);
     WorkflowTree& operator=(const WorkflowTree& other);
     ~WorkflowTree() override;
+
+    /// The limits for trees that are filled from now on; those of WorkflowTreeLimits unless set. A
+    /// value below 0 counts as 0.
+    void setLimits(const WorkflowTreeLimits& limits) { m_limits = limits; }
+    const WorkflowTreeLimits& limits() const { return m_limits; }
+    /// What was left out when the tree was filled, in the order of the nodes concerned.
+    QList<WorkflowTreeOmission> omissions() const { return m_omissions; }
 
     /// Fills the tree from the document at @p path. A document that cannot be opened gives an
     /// empty tree.
@@ -101,14 +134,17 @@ private:
                   const QString& fileOnDisk, int level);
     void followFile(TreskParser& parser, int nodeId, const FileSummary& file, int level);
     QString extractFile(TreskParser& parser, int fileId);
+    QList<Summary> readSummaries(TreskParser& parser, SummaryBudget& budget);
+    void omit(WorkflowTreeOmission::Limit limit, int nodeId, const QString& document);
     const WorkflowTreeNode* node(int id) const;
 
     int m_nextId = 0;
     QVector<WorkflowTreeNode> m_nodes; ///< those with the last ids given, in ascending order
     QHash<int, QList<int>> m_children;
     TreskFileManager m_files;
-    int m_documentsLeft = 0; ///< that may be followed still
-    qint64 m_bytesLeft = 0; ///< that they may take
+    WorkflowTreeLimits m_limits;
+    WorkflowTreeLimits m_left; ///< of the limits, while the tree is filled
+    QList<WorkflowTreeOmission> m_omissions;
 };
 
 } // namespace tresk

@@ -72,6 +72,12 @@ QSharedPointer<TreskParser> TreskFileManager::parser(const QString& path) const
     return file ? file->parser() : QSharedPointer<TreskParser>();
 }
 
+void TreskFileManager::remove(const QString& path)
+{
+    if (const QSharedPointer<TempTreskfile> file = m_files.take(path))
+        file->parser()->disconnect(this);
+}
+
 void TreskFileManager::clear()
 {
     for (const QSharedPointer<TempTreskfile>& file : qAsConst(m_files))

@@ -1,7 +1,6 @@
 #include <tresk/WorkflowTree.h>
 
 #include <tresk/ExtractionQueue.h>
-#include <tresk/SummaryCreator.h>
 #include <tresk/TreskParser.h>
 
 #include "tree/HashOrder.h"
@@ -9,6 +8,7 @@
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
+#include <QSet>
 #include <QTemporaryFile>
 
 #include <algorithm>
@@ -18,10 +18,6 @@ namespace tresk {
 
 namespace {
 
-constexpr int deepestLevel = 100; // of embedded documents, below the document itself
-// Documents that overlap, or that are deflated again and again, can hold any number of others.
-constexpr int mostDocuments = 10000;
-constexpr qint64 mostBytes = qint64(16) * 1024 * 1024 * 1024;
 constexpr qint64 largestDocument = std::numeric_limits<int>::max();
 
 } // namespace
@@ -48,6 +44,8 @@ WorkflowTree::WorkflowTree(const WorkflowTree& other)
     , m_nodes(other.m_nodes)
     , m_children(other.m_children)
     , m_files(other.m_files)
+    , m_limits(other.m_limits)
+    , m_omissions(other.m_omissions)
 {
     m_files.publishToLogSignal(this);
 }
@@ -58,6 +56,8 @@ WorkflowTree& WorkflowTree::operator=(const WorkflowTree& other)
     m_nodes = other.m_nodes;
     m_children = other.m_children;
     m_files = other.m_files;
+    m_limits = other.m_limits;
+    m_omissions = other.m_omissions;
     return *this;
 }
 
@@ -77,8 +77,7 @@ void WorkflowTree::treeFromTreskFile(const QSharedPointer<TreskParser>& parser, 
     clear();
     if (!m_files.addTreskFile(parser, path))
         return;
-    m_documentsLeft = mostDocuments;
-    m_bytesLeft = mostBytes;
+    m_left = m_limits;
     fillTree(*parser, -1, path, path, 0);
 }
 
@@ -101,6 +100,7 @@ void WorkflowTree::clear()
     m_nodes.clear();
     m_children.clear();
     m_files.clear();
+    m_omissions.clear();
 }
 
 int WorkflowTree::root() const
@@ -180,43 +180,95 @@ QList<int> WorkflowTree::serializedTree() const
 void WorkflowTree::fillTree(TreskParser& parser, int parentId, const QString& treskfile,
                             const QString& fileOnDisk, int level)
 {
-    const QList<Summary> summaries = SummaryCreator().createSummaries(parser);
-    for (auto summary = summaries.crbegin(); summary != summaries.crend(); ++summary) {
-        const int id = addTreeNode(parentId, *summary, treskfile, fileOnDisk);
-        for (const FileSummary& file : summary->files) {
+    SummaryBudget budget;
+    const QList<Summary> summaries = readSummaries(parser, budget);
+    const QSet<int> unread(budget.unread.cbegin(), budget.unread.cend());
+    const QSet<int> withoutFiles(budget.withoutFiles.cbegin(), budget.withoutFiles.cend());
+    for (auto i = int(summaries.size()) - 1; i >= 0; --i) {
+        const Summary& summary = summaries.at(i);
+        const int sectionId = i < parser.getNumSections() ? summary.tagId : -1;
+        const int id = addTreeNode(parentId, summary, treskfile, fileOnDisk);
+        if (unread.contains(sectionId))
+            omit(WorkflowTreeOmission::SummaryBytes, id, QString());
+        if (withoutFiles.contains(sectionId))
+            omit(WorkflowTreeOmission::Records, id, QString());
+        for (const FileSummary& file : summary.files) {
             if (file.embedded && file.filename.endsWith(QLatin1String(".tresk")))
                 followFile(parser, id, file, level + 1);
         }
     }
 }
 
+/// The summaries of a document as far as the limits allow; @p budget says what was left out.
+QList<Summary> WorkflowTree::readSummaries(TreskParser& parser, SummaryBudget& budget)
+{
+    const qint64 bytes = std::max<qint64>(std::min(m_left.bytes, m_left.summaryBytes), 0);
+    budget.bytes = bytes;
+    budget.files = std::max<qint64>(m_left.records, 0);
+    QList<Summary> summaries = SummaryCreator().createSummaries(parser, budget);
+    m_left.bytes -= bytes - budget.bytes;
+    m_left.summaryBytes -= bytes - budget.bytes;
+    m_left.records = budget.files;
+    return summaries;
+}
+
 /// Adds the steps of an embedded document under the node that embeds it.
 void WorkflowTree::followFile(TreskParser& parser, int nodeId, const FileSummary& file, int level)
 {
-    if (level > deepestLevel) {
-        Q_EMIT log(tr("The document %1 is embedded too deeply and is left out").arg(file.filename),
-                   1);
+    if (level > std::min(m_limits.depth, WorkflowTreeLimits::deepest)) {
+        omit(WorkflowTreeOmission::Depth, nodeId, file.filename);
         return;
     }
-    if (m_documentsLeft == 0 || m_bytesLeft <= 0) {
-        Q_EMIT log(tr("There are too many embedded documents; %1 is left out").arg(file.filename),
-                   1);
+    if (m_left.documents <= 0) {
+        omit(WorkflowTreeOmission::Documents, nodeId, file.filename);
         return;
     }
-    --m_documentsLeft;
+    // Of one that is as large as it says, nothing is written in vain.
+    const QSharedPointer<FileTag> tag = parser.getFile(file.tagId);
+    if (m_left.bytes <= 0 || (tag && tag->filesize > m_left.bytes)) {
+        omit(WorkflowTreeOmission::Bytes, nodeId, file.filename);
+        return;
+    }
+    --m_left.documents;
     const QString path = extractFile(parser, file.tagId);
     // What the tree has opened itself is not kept open while it goes deeper.
     if (level > 1)
         parser.releaseFile();
-    if (path.isEmpty())
+    if (path.isEmpty()) {
+        if (m_left.bytes < 0)
+            omit(WorkflowTreeOmission::Bytes, nodeId, file.filename);
         return;
+    }
     const QSharedPointer<TreskParser> embedded = m_files.addTreskFile(path, true);
     if (!embedded) {
         QFile::remove(path);
         return;
     }
+    const qint64 records = qint64(embedded->getNumSections()) + embedded->getNumFiles();
+    if (records > m_left.records) {
+        m_files.remove(path);
+        omit(WorkflowTreeOmission::Records, nodeId, file.filename);
+        return;
+    }
+    m_left.records -= records;
     fillTree(*embedded, nodeId, file.filename, path, level);
     embedded->releaseFile();
+}
+
+void WorkflowTree::omit(WorkflowTreeOmission::Limit limit, int nodeId, const QString& document)
+{
+    m_omissions.append({limit, nodeId, document});
+    if (document.isNull()) {
+        Q_EMIT log(limit == WorkflowTreeOmission::Records
+                       ? tr("The step %1 has too many files; they are left out").arg(nodeId)
+                       : tr("The summary of step %1 is too large and is left out").arg(nodeId),
+                   1);
+        return;
+    }
+    Q_EMIT log(limit == WorkflowTreeOmission::Depth
+                   ? tr("The document %1 is embedded too deeply and is left out").arg(document)
+                   : tr("There are too many embedded documents; %1 is left out").arg(document),
+               1);
 }
 
 /// Writes an embedded file to a temporary one and returns its path; empty where that fails.
@@ -243,10 +295,10 @@ QString WorkflowTree::extractFile(TreskParser& parser, int fileId)
             [&extracted](int, bool valid) { extracted = valid; });
     queue.addExtractees({{fileId, path}});
     while (queue.process()) {
-        if (QFileInfo(path).size() > std::min(m_bytesLeft, largestDocument))
+        if (QFileInfo(path).size() > std::min(m_left.bytes, largestDocument))
             queue.cancelExtraction(); // nor could it be opened
     }
-    m_bytesLeft -= QFileInfo(path).size();
+    m_left.bytes -= QFileInfo(path).size();
     if (extracted)
         return path;
     QFile::remove(path);

@@ -13,6 +13,8 @@
 
 using tresk::TreskParser;
 using tresk::WorkflowTree;
+using tresk::WorkflowTreeLimits;
+using tresk::WorkflowTreeOmission;
 using tresktest::deflated;
 using tresktest::DocumentWriter;
 using tresktest::element;
@@ -50,6 +52,22 @@ FileSpec flate(const QByteArray& content)
     return embedded("x.tresk", content);
 }
 
+/// A step without a summary.
+SectionSpec marked(const QVector<FileSpec>& files)
+{
+    SectionSpec section;
+    section.title = latin1("marker");
+    section.files = files;
+    return section;
+}
+
+/// A step that embeds two documents, the second of which embeds a third.
+SectionSpec outerStep()
+{
+    const QByteArray third = history({step("old"), step("new", {embedded("c.tresk", twoSteps)})});
+    return step("outer", {embedded("a.tresk", twoSteps), embedded("b.tresk", third)});
+}
+
 FileSpec storedAs(FileSpec file, const QByteArray& bytes)
 {
     file.stored = bytes;
@@ -58,6 +76,7 @@ FileSpec storedAs(FileSpec file, const QByteArray& bytes)
 
 } // namespace
 
+Q_DECLARE_METATYPE(tresk::WorkflowTreeLimits)
 Q_DECLARE_METATYPE(tresktest::FileSpec)
 
 /// Documents that are broken or too much, and systems that lack what a tree needs.
@@ -77,6 +96,11 @@ private Q_SLOTS:
     void deepDocumentsWithFewDescriptors();
     void eachTooDeepIsNamed();
     void manyDocuments();
+    void limits_data();
+    void limits();
+    void limitsAreKept();
+    void recordsAreLimited_data();
+    void recordsAreLimited();
     void noDescriptorLeft();
     void noTemporaryFolder_data();
     void noTemporaryFolder();
@@ -286,6 +310,142 @@ void TestWorkflowTreeHostile::manyDocuments()
         QCOMPARE(m_temporary->files().size(), count);
     }
     QCOMPARE(m_temporary->files(), QStringList());
+}
+
+void TestWorkflowTreeHostile::limits_data()
+{
+    const int size = int(twoSteps.size());
+    const WorkflowTreeLimits usual;
+    QTest::addColumn<WorkflowTreeLimits>("limits");
+    QTest::addColumn<QString>("nodes");
+    QTest::addColumn<QString>("omissions");
+    const auto row = [](const char* name, const WorkflowTreeLimits& limits, const char* nodes,
+                        const char* omissions) {
+        QTest::newRow(name) << limits << latin1(nodes) << latin1(omissions);
+    };
+    const auto with = [usual](auto field, auto value) {
+        WorkflowTreeLimits limits = usual;
+        limits.*field = value;
+        return limits;
+    };
+    using Limits = WorkflowTreeLimits;
+    row("usual", usual, "outer(new old new(new old) old)", "");
+    row("no level", with(&Limits::depth, 0), "outer", "0:0:a.tresk 0:0:b.tresk");
+    row("below 0", with(&Limits::depth, -1), "outer", "0:0:a.tresk 0:0:b.tresk");
+    row("a level", with(&Limits::depth, 1), "outer(new old new old)", "0:3:c.tresk");
+    row("no document", with(&Limits::documents, 0), "outer", "1:0:a.tresk 1:0:b.tresk");
+    row("one document", with(&Limits::documents, 1), "outer(new old)", "1:0:b.tresk");
+    row("two documents", with(&Limits::documents, 2), "outer(new old new old)", "1:3:c.tresk");
+    row("no byte", with(&Limits::bytes, qint64(0)), "outer", "3:0:");
+    // For the summary of the step and the first document, not for the summaries in that.
+    const qint64 first = outerStep().files.constLast().content.size() + size;
+    row("one byte less", with(&Limits::bytes, first - 1), "outer", "2:0:a.tresk 2:0:b.tresk");
+    row("just enough", with(&Limits::bytes, first), "outer(outer outer)", "3:1: 3:2: 2:0:b.tresk");
+    row("summary", with(&Limits::summaryBytes, qint64(10)), "outer", "3:0:");
+    row("no record", with(&Limits::records, qint64(0)), "outer", "4:0:");
+    row("files of the step", with(&Limits::records, qint64(2)), "outer", "4:0:a.tresk 4:0:b.tresk");
+    row("first document", with(&Limits::records, qint64(6)), "outer(new old)", "4:0:b.tresk");
+}
+
+void TestWorkflowTreeHostile::limits()
+{
+    QFETCH(WorkflowTreeLimits, limits);
+    QFETCH(QString, nodes);
+    QFETCH(QString, omissions);
+    const QString path = save(history({outerStep()}));
+    {
+        WorkflowTree tree;
+        tree.setLimits(limits);
+        const LogLines log(tree);
+        tree.treeFromTreskFile(path);
+        const QList<WorkflowTreeOmission> left = tree.omissions();
+        QStringList texts;
+        for (const WorkflowTreeOmission& one : left) {
+            texts +=
+                QStringLiteral("%1:%2:%3").arg(int(one.limit)).arg(one.nodeId).arg(one.document);
+            QCOMPARE(one.document.isNull(), one.document.isEmpty());
+        }
+        QCOMPARE(texts.join(QLatin1Char(' ')), omissions);
+        QCOMPARE(textOf(tree).replace(latin1("marker"), latin1("outer")), nodes);
+        QCOMPARE(log.lines.size(), left.size());
+        for (const QString& line : log.lines)
+            QVERIFY2(line.startsWith(latin1("1 ")), qPrintable(line));
+        QCOMPARE(WorkflowTree(tree).omissions().size(), left.size());
+        tree.clear();
+        QVERIFY(tree.omissions().isEmpty());
+    }
+    QCOMPARE(m_temporary->files(), QStringList());
+}
+
+void TestWorkflowTreeHostile::limitsAreKept()
+{
+    // They are for each filling, and go with a copy.
+    const QString path = save(history({outerStep()}));
+    WorkflowTree tree;
+    WorkflowTreeLimits limits;
+    limits.documents = 1;
+    tree.setLimits(limits);
+    WorkflowTree copy(tree);
+    WorkflowTree assigned;
+    assigned = tree;
+    for (WorkflowTree* const each : {&tree, &tree, &copy, &assigned}) {
+        each->treeFromTreskFile(path);
+        QCOMPARE(textOf(*each), latin1("outer(new old)"));
+        QCOMPARE(each->omissions().size(), 1);
+        QCOMPARE(each->limits().documents, 1);
+    }
+
+    // There is no tree of any depth, whatever is asked for.
+    limits.documents = 1000;
+    limits.depth = 1000;
+    tree.setLimits(limits);
+    QByteArray deep = twoSteps;
+    for (int level = 0; level < 251; ++level)
+        deep = history({step("level", {plain(deep)})});
+    tree.treeFromTreskFile(save(deep));
+    QCOMPARE(tree.serializedTree().size(), 251);
+    QCOMPARE(tree.omissions().size(), 1);
+}
+
+void TestWorkflowTreeHostile::recordsAreLimited_data()
+{
+    QTest::addColumn<qint64>("records");
+    QTest::addColumn<int>("nodes");
+    QTest::addColumn<int>("withoutFiles");
+    // 40 steps, of which the last has all files, 40, and 40 files; 1 in the document around it.
+    QTest::newRow("all") << qint64(1 + 80 + 820) << 41 << 0;
+    QTest::newRow("one less") << qint64(1 + 80 + 819) << 41 << 1;
+    QTest::newRow("none for their files") << qint64(1 + 80) << 41 << 40;
+    QTest::newRow("not for the steps") << qint64(1 + 79) << 1 << 0;
+}
+
+void TestWorkflowTreeHostile::recordsAreLimited()
+{
+    QFETCH(qint64, records);
+    QFETCH(int, nodes);
+    QFETCH(int, withoutFiles);
+    DocumentWriter writer("%PDF-1.4\n");
+    writer.writeHeader();
+    writer.endLine();
+    const int start = writer.position();
+    for (int i = 0; i < 40; ++i) {
+        SectionSpec shared = marked({FileSpec::plain(latin1("f"), "x")});
+        shared.regionStart = start;
+        writer.writeSection(shared);
+    }
+    WorkflowTreeLimits limits;
+    limits.records = records;
+    WorkflowTree tree;
+    tree.setLimits(limits);
+    tree.treeFromTreskFile(save(history({step("outer", {flate(writer.bytes())})})));
+    QCOMPARE(tree.nodeIds().size(), nodes);
+    int without = 0;
+    for (const int id : tree.children(0))
+        without += tree.workflowStep(id)->files.isEmpty() ? 1 : 0;
+    QCOMPARE(without, withoutFiles);
+    const int omitted = int(tree.omissions().size());
+    QCOMPARE(omitted, nodes == 1 ? 1 : withoutFiles);
+    QCOMPARE(m_temporary->files().size(), nodes == 1 ? 0 : 1);
 }
 
 void TestWorkflowTreeHostile::noDescriptorLeft()
