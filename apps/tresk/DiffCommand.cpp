@@ -2,6 +2,7 @@
 #include "DiffReport.h"
 #include "HistoryTree.h"
 #include "Invocation.h"
+#include "Limits.h"
 #include "Messages.h"
 
 #include <tresk/TreskDiff.h>
@@ -34,10 +35,13 @@ int runDiff(Invocation& invocation)
     const int wanted = wantedResults(invocation, command);
     if (wanted == 0)
         return exitTrouble;
+    WorkflowTreeLimits limits = usualTreeLimits();
+    if (!applyLimits(invocation, command, limits))
+        return exitTrouble;
     HistoryTree first;
     HistoryTree second;
-    const bool firstRead = first.read(invocation.arguments.at(0));
-    if (!second.read(invocation.arguments.at(1)) || !firstRead)
+    const bool firstRead = first.read(invocation.arguments.at(0), limits);
+    if (!second.read(invocation.arguments.at(1), limits) || !firstRead)
         return exitTrouble;
 
     WorkflowstepCosts costs;
@@ -70,10 +74,14 @@ Command diffCommand()
             "\n"
             "The exit code is 0 if the histories are the same, 1 if they differ, and 2 in case\n"
             "of trouble. Where large histories differ so much that the best way of pairing\n"
-            "their steps takes too long to find, a good one is shown, and a warning says so.\n",
-            {{'n', "number", "N", "show the N best ways of pairing the steps, best first"},
-             {0, "dot", nullptr, "print a graph for Graphviz instead, of the best way"},
-             {0, "json", nullptr, "print one JSON object instead"}},
+            "their steps takes too long to find, a good one is shown, and a warning says so.\n"
+            "\n"
+            "Each document is read within limits, which are those of 'tresk tree'; what would\n"
+            "go beyond them is left out and reported, and the exit code is 2.\n",
+            withTreeLimits(
+                {{'n', "number", "N", "show the N best ways of pairing the steps, best first"},
+                 {0, "dot", nullptr, "print a graph for Graphviz instead, of the best way"},
+                 {0, "json", nullptr, "print one JSON object instead"}}),
             {"A", "B"},
             2,
             runDiff};

@@ -133,7 +133,7 @@ void Document::warn(const SectionTag& step, const QString& remark) const
     reportWarning(m_name, describe(step) + QStringLiteral(": ") + remark);
 }
 
-bool Document::checkExtent() const
+QString Document::extentProblem() const
 {
     const qint64 steps = countBeyond(m_parser.getSections(), m_size);
     const qint64 files = countBeyond(m_parser.getFiles(), m_size);
@@ -143,21 +143,35 @@ bool Document::checkExtent() const
     if (files > 0)
         what += counted(files, QStringLiteral("embedded file"));
     if (what.isEmpty())
-        return true;
-    report(QStringLiteral("is cut off or damaged: %1 would reach beyond its end")
-               .arg(what.join(QStringLiteral(" and "))));
-    return false;
+        return {};
+    return QStringLiteral("is cut off or damaged: %1 would reach beyond its end")
+        .arg(what.join(QStringLiteral(" and ")));
+}
+
+bool Document::checkExtent() const
+{
+    const QString problem = extentProblem();
+    if (!problem.isEmpty())
+        report(problem);
+    return problem.isEmpty();
+}
+
+QString Document::chainProblem() const
+{
+    const int steps = m_parser.getNumSections();
+    if (steps == 0 || m_parser.getSection(steps - 1)->previousmarker < 0)
+        return {};
+    return QStringLiteral("the history is incomplete: the step before step %1 is not where its "
+                          "marker says")
+        .arg(steps - 1);
 }
 
 bool Document::checkChain() const
 {
-    const int steps = m_parser.getNumSections();
-    if (steps == 0 || m_parser.getSection(steps - 1)->previousmarker < 0)
-        return true;
-    report(QStringLiteral("the history is incomplete: the step before step %1 is not where its "
-                          "marker says")
-               .arg(steps - 1));
-    return false;
+    const QString problem = chainProblem();
+    if (!problem.isEmpty())
+        report(problem);
+    return problem.isEmpty();
 }
 
 bool Document::isWhole() const

@@ -50,10 +50,14 @@ public:
     void warn(const FileTag& file, const QString& remark) const;
     void warn(const SectionTag& step, const QString& remark) const;
 
-    /// Reports a document that has lost its end: steps or embedded files that reach beyond
-    /// it. True if everything is within.
+    /// Of a document that has lost its end, how many steps or embedded files reach beyond it;
+    /// empty if everything is within.
+    QString extentProblem() const;
+    /// Reports it and returns false if there is such a problem.
     bool checkExtent() const;
-    /// Reports a history that does not lead back to its first step.
+    /// Of a history that does not lead back to its first step, where it breaks off; empty else.
+    QString chainProblem() const;
+    /// Reports it and returns false if there is such a problem.
     bool checkChain() const;
     /// Whether the document is still as long as it was when it was opened.
     bool isWhole() const;

@@ -3,6 +3,7 @@
 #include "FileWalk.h"
 #include "Invocation.h"
 #include "Json.h"
+#include "Limits.h"
 #include "Messages.h"
 #include "QueryFindings.h"
 #include "StatusLine.h"
@@ -55,9 +56,10 @@ QList<Binding> bindingsFrom(const QHash<QString, QString>& keys, const QList<Sum
 /// Asks documents a query and tells which of them it holds for.
 class Finder {
 public:
-    Finder(Invocation& invocation, const TreskFindQuery& query)
+    Finder(Invocation& invocation, const TreskFindQuery& query, const SummaryBudget& budget)
         : m_output(invocation.output)
         , m_query(query)
+        , m_budget(budget)
         , m_nulls(invocation.isSet("null"))
         , m_countOnly(invocation.isSet("count"))
         , m_showBindings(invocation.isSet("bindings"))
@@ -71,6 +73,7 @@ public:
 
 private:
     void search(const QString& path, bool isNamed);
+    void checkWhole(const QString& path, const Document& document, const SummaryBudget& left);
     void fail(const QString& path, const QString& problem);
     void tell(const QString& path, const QList<Binding>& bindings);
     void printBinding(const Binding& binding);
@@ -78,6 +81,7 @@ private:
 
     Output& m_output;
     const TreskFindQuery& m_query;
+    SummaryBudget m_budget; ///< for each document
     bool m_nulls;
     bool m_countOnly;
     bool m_showBindings;
@@ -129,16 +133,29 @@ void Finder::search(const QString& path, bool isNamed)
         fail(path, QStringLiteral("its steps share too many files to be searched"));
         return;
     }
-    const QList<Summary> summaries = SummaryCreator().createSummaries(document.parser());
+    SummaryBudget left = m_budget;
+    const QList<Summary> summaries = SummaryCreator().createSummaries(document.parser(), left);
     QHash<QString, QString> keys;
     const bool found = m_query.matches(summaries, &keys);
-    if (!document.isWhole())
-        fail(path, QStringLiteral("has become shorter while it was read"));
+    checkWhole(path, document, left);
     if (!found)
         return;
     ++m_found;
     if (!m_countOnly)
         tell(path, bindingsFrom(keys, summaries, document.parser().getNumSections()));
+}
+
+/// Reports what was not searched, although it is, or has been, in the document.
+void Finder::checkWhole(const QString& path, const Document& document, const SummaryBudget& left)
+{
+    QStringList problems = shortfalls(m_budget, left, QStringLiteral("--max-unpacked"));
+    problems += document.extentProblem();
+    problems += document.chainProblem();
+    if (!document.isWhole())
+        problems += QStringLiteral("has become shorter while it was read");
+    problems.removeAll(QString());
+    for (const QString& problem : qAsConst(problems))
+        fail(path, problem);
 }
 
 void Finder::fail(const QString& path, const QString& problem)
@@ -258,10 +275,13 @@ int runFind(Invocation& invocation)
     const QString conflict = conflictOf(invocation);
     if (!conflict.isEmpty())
         return reportUsage(findCommandNamed(QStringLiteral("find")), conflict);
+    SummaryBudget budget;
+    if (!applyLimits(invocation, findCommandNamed(QStringLiteral("find")), budget))
+        return exitTrouble;
     const QString text = invocation.arguments.first();
     const TreskFindQuery query(text);
     if (query.isValid())
-        return Finder(invocation, query).run(invocation.arguments.mid(1));
+        return Finder(invocation, query, budget).run(invocation.arguments.mid(1));
     if (invocation.isSet("json")) {
         writeJson(invocation.output,
                   {{QStringLiteral("query"), text},
@@ -288,8 +308,12 @@ Command findCommand()
             "    f:filename %matches '*.csv' && f:filesize > 10mb && s:user == 'meier'\n"
             "\n"
             "The exit code is 0 if a document was found, 1 if none was, and 2 if the query is\n"
-            "not right or a file could not be read; the others are searched nevertheless.\n",
-            {{'0', "null", nullptr, "print paths as they are, each with a NUL byte behind it"},
+            "not right, or a file could not be read or is cut off or damaged; what there is\n"
+            "of it, and the others, are searched nevertheless. So it is if the summaries of a\n"
+            "document unpack to more than they may: a number of bytes, or one with KiB, MiB\n"
+            "or GiB behind it. Embedded files are not looked into.\n",
+            {summaryLimitOption(),
+             {'0', "null", nullptr, "print paths as they are, each with a NUL byte behind it"},
              {0, "count", nullptr, "print how many documents were found, not their paths"},
              {0, "bindings", nullptr, "show which step or file each name stands for"},
              {0, "json", nullptr, "print one JSON object instead"},

@@ -2,6 +2,7 @@
 
 #include "CommandLine.h"
 #include "Document.h"
+#include "Limits.h"
 #include "Messages.h"
 #include "StepFiles.h"
 #include "Summaries.h"
@@ -9,7 +10,7 @@
 
 namespace tresk::cli {
 
-bool HistoryTree::read(const QString& path)
+bool HistoryTree::read(const QString& path, const WorkflowTreeLimits& limits)
 {
     m_name = path;
     Document document;
@@ -21,6 +22,7 @@ bool HistoryTree::read(const QString& path)
     }
     WorkflowTree tree;
     QObject::connect(&tree, &LogSource::log, &tree, relayLogLine);
+    tree.setLimits(limits);
     tree.treeFromTreskFile(document.parserPath());
     // Only the steps are kept: the temporary files go at once, whatever happens later.
     const QList<int> ids = tree.nodeIds();
@@ -28,24 +30,40 @@ bool HistoryTree::read(const QString& path)
         m_tree.addTreeNode(tree.parent(id), *tree.workflowStep(id), tree.treskfile(id),
                            tree.fileOnDisk(id));
     }
-    reportMissing(document);
+    reportMissing(document, tree.omissions());
+    const QStringList texts = shortfalls(limits, tree.omissions());
+    for (const QString& text : texts)
+        document.report(text);
+    m_isWhole = m_isWhole && texts.isEmpty();
     m_isWhole = document.checkChain() && document.checkLength() && m_isWhole;
     return true;
 }
 
-/// Reports the embedded documents of which there is nothing in the tree.
-void HistoryTree::reportMissing(const Document& document)
+/// Reports the embedded documents of which there is nothing in the tree, but for those @p omitted.
+void HistoryTree::reportMissing(const Document& document,
+                                const QList<WorkflowTreeOmission>& omitted)
 {
+    QHash<int, QStringList> omittedUnder;
+    for (const WorkflowTreeOmission& omission : omitted) {
+        if (!omission.document.isNull())
+            omittedUnder[omission.nodeId] += omission.document;
+    }
     const QList<int> ids = m_tree.nodeIds();
     for (const int id : ids) {
-        QStringList present;
+        QHash<QString, int> accountedFor;
         const QList<Branch> branches = branchesOf(m_tree, id);
         for (const Branch& branch : branches)
-            present += branch.document;
+            ++accountedFor[branch.document];
+        const QStringList omittedHere = omittedUnder.value(id);
+        for (const QString& name : omittedHere)
+            ++accountedFor[name];
         for (const FileSummary& file : m_tree.workflowStep(id)->files) {
             const bool isDocument = file.embedded
                 && file.filename.endsWith(QLatin1String(".tresk"));
-            if (!isDocument || present.removeOne(file.filename))
+            if (!isDocument)
+                continue;
+            const auto known = accountedFor.find(file.filename);
+            if (known != accountedFor.end() && --*known >= 0)
                 continue;
             m_isWhole = false;
             document.report(QStringLiteral("there is no history to be read in %1, which step %2 "

@@ -16,9 +16,9 @@ class HistoryTree {
 public:
     HistoryTree() = default;
 
-    /// Reads the document at @p path. Reports what is wrong and returns false if there is no
-    /// history in it.
-    bool read(const QString& path);
+    /// Reads the document at @p path as far as @p limits allow. Reports what is wrong and returns
+    /// false if there is no history in it.
+    bool read(const QString& path, const WorkflowTreeLimits& limits);
     /// Whether everything could be read; what could not was reported.
     bool isWhole() const { return m_isWhole; }
 
@@ -28,7 +28,7 @@ public:
 private:
     Q_DISABLE_COPY(HistoryTree)
 
-    void reportMissing(const Document& document);
+    void reportMissing(const Document& document, const QList<WorkflowTreeOmission>& omitted);
 
     QString m_name;
     WorkflowTree m_tree;

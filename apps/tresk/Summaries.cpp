@@ -2,10 +2,11 @@
 
 #include "CommandLine.h"
 #include "Document.h"
+#include "Limits.h"
 #include "StepFiles.h"
 #include "Text.h"
 
-#include <tresk/SummaryCreator.h>
+#include <QSet>
 
 #include <algorithm>
 #include <vector>
@@ -27,7 +28,7 @@ Summaries::Summaries(Document& document, const StepFiles& stepFiles)
     , m_stepFiles(stepFiles)
 {
     if (!shareTooManyFiles(stepFiles))
-        m_summaries = SummaryCreator().createSummaries(document.parser());
+        m_summaries = SummaryCreator().createSummaries(document.parser(), m_left);
 }
 
 const Summary& Summaries::of(const SectionTag& step) const
@@ -79,20 +80,25 @@ QStringList Summaries::purposes() const
     return result;
 }
 
-void Summaries::warnOfMissing() const
+bool Summaries::checkMissing() const
 {
     if (m_summaries.isEmpty()) {
         m_document.warn(QStringLiteral("its steps share too many files, their summaries are not "
                                        "read"));
-        return;
+        return true;
     }
+    const QSet<int> tooLarge(m_left.unread.begin(), m_left.unread.end());
     for (const SectionTag& step : m_stepFiles.steps()) {
-        if (of(step).fromXml)
+        if (of(step).fromXml || tooLarge.contains(step.id))
             continue;
         const QVector<int> files = m_stepFiles.filesIn(step);
         if (!files.isEmpty() && m_stepFiles.files()[files.last()].filename == summaryName)
             m_document.warn(step, QStringLiteral("its summary document cannot be read"));
     }
+    const QStringList texts = shortfalls(SummaryBudget(), m_left);
+    for (const QString& text : texts)
+        m_document.report(text);
+    return texts.isEmpty();
 }
 
 bool shareTooManyFiles(const StepFiles& stepFiles)
@@ -102,8 +108,8 @@ bool shareTooManyFiles(const StepFiles& stepFiles)
 
 int checkRead(Document& document, const Summaries& summaries)
 {
-    summaries.warnOfMissing();
-    const bool whole = document.checkExtent();
+    const bool complete = summaries.checkMissing();
+    const bool whole = document.checkExtent() && complete;
     return document.checkLength() && whole ? exitDone : exitTrouble;
 }
 

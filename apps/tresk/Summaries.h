@@ -2,6 +2,7 @@
 #define TRESK_APPS_SUMMARIES_H
 
 #include <tresk/Summary.h>
+#include <tresk/SummaryCreator.h>
 #include <tresk/TreskParser.h>
 
 #include <QList>
@@ -13,7 +14,7 @@ class Document;
 class StepFiles;
 
 /// What the steps of a document say of themselves. Made all at once, and left out where steps
-/// share files to an extent that only makes sense to use up memory.
+/// share files, or summaries unpack, to an extent that only makes sense to use up memory.
 class Summaries {
 public:
     /// Both must outlive the object.
@@ -32,12 +33,14 @@ public:
     /// "OutFile" or "Undefined".
     QStringList purposes() const;
 
-    /// Warns of summaries that are there, but cannot be read or were left out.
-    void warnOfMissing() const;
+    /// Warns of summaries that are there, but cannot be read, or that the steps share too many
+    /// files to make. Reports those that were too large and returns false if there were any.
+    bool checkMissing() const;
 
 private:
     const Document& m_document;
     const StepFiles& m_stepFiles;
+    SummaryBudget m_left; ///< of the usual one
     QList<Summary> m_summaries; ///< oldest first; empty if they were left out
 };
 

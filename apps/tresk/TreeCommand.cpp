@@ -3,6 +3,7 @@
 #include "HistoryTree.h"
 #include "Invocation.h"
 #include "Json.h"
+#include "Limits.h"
 #include "Text.h"
 
 namespace tresk::cli {
@@ -109,11 +110,14 @@ void printDot(Output& output, const HistoryTree& history)
 
 int runTree(Invocation& invocation)
 {
+    const Command* const command = findCommandNamed(QStringLiteral("tree"));
     if (invocation.isSet("json") && invocation.isSet("dot"))
-        return reportUsage(findCommandNamed(QStringLiteral("tree")),
-                           QStringLiteral("--json and --dot exclude each other"));
+        return reportUsage(command, QStringLiteral("--json and --dot exclude each other"));
+    WorkflowTreeLimits limits = usualTreeLimits();
+    if (!applyLimits(invocation, command, limits))
+        return exitTrouble;
     HistoryTree history;
-    if (!history.read(invocation.arguments.first()))
+    if (!history.read(invocation.arguments.first(), limits))
         return exitTrouble;
     const WorkflowTree& tree = history.tree();
     if (invocation.isSet("json")) {
@@ -137,10 +141,15 @@ Command treeCommand()
             "show the steps with those of embedded documents under them",
             "DOC",
             "Draws the steps of a document's history, newest first, and under each step the\n"
-            "documents that it embeds (files named *.tresk) with their own steps, to any depth\n"
-            "up to 100. The numbers are those that 'tresk diff' calls the steps by.\n",
-            {{0, "dot", nullptr, "print a graph for Graphviz instead"},
-             {0, "json", nullptr, "print one JSON object instead"}},
+            "documents that it embeds (files named *.tresk) with their own steps. The numbers\n"
+            "are those that 'tresk diff' calls the steps by.\n"
+            "\n"
+            "A small document may hold others without end. What would go beyond the limits is\n"
+            "left out and reported, and the exit code is 2. Levels are 250 at most. What may be\n"
+            "unpacked is a number of bytes, or one with KiB, MiB or GiB behind it, and counts\n"
+            "for embedded documents and summaries, which have 64MiB of it unless it is given.\n",
+            withTreeLimits({{0, "dot", nullptr, "print a graph for Graphviz instead"},
+                            {0, "json", nullptr, "print one JSON object instead"}}),
             {"DOC"},
             1,
             runTree};
