@@ -59,12 +59,12 @@ QString limitText(const QString& limit, const QString& option)
     return option.isEmpty() ? limit : QStringLiteral("%1 (%2)").arg(limit, option);
 }
 
-QString lackingSummaries(qint64 steps, qint64 bytes, const QString& option)
+QString lackingSummaries(qint64 steps, qint64 bytes, qint64 files, const QString& option)
 {
-    return QStringLiteral(
-               "the summaries of %1 are left out, since no more than %2 of summaries are "
-               "unpacked")
-        .arg(counted(steps, QStringLiteral("step")), limitText(humanSize(bytes), option));
+    return QStringLiteral("the summaries of %1 are left out, since no more than %2 of summaries "
+                          "are unpacked, and %3 in them read")
+        .arg(counted(steps, QStringLiteral("step")), limitText(humanSize(bytes), option),
+             counted(files, QStringLiteral("file")));
 }
 
 QString lackingFiles(qint64 steps, qint64 files)
@@ -159,7 +159,7 @@ QStringList shortfalls(const SummaryBudget& whole, const SummaryBudget& left, co
 {
     QStringList texts;
     if (!left.unread.isEmpty())
-        texts += lackingSummaries(left.unread.size(), whole.bytes, option);
+        texts += lackingSummaries(left.unread.size(), whole.bytes, whole.files, option);
     if (!left.withoutFiles.isEmpty())
         texts += lackingFiles(left.withoutFiles.size(), whole.files);
     return texts;
@@ -195,7 +195,8 @@ QStringList shortfalls(const WorkflowTreeLimits& limits, const QList<WorkflowTre
             n, QStringLiteral("no more than %1 steps and files are kept").arg(limits.records));
     }
     if (const qint64 n = count(WorkflowTreeOmission::SummaryBytes, true))
-        texts += lackingSummaries(n, std::min(limits.bytes, limits.summaryBytes), unpacked);
+        texts += lackingSummaries(n, std::min(limits.bytes, limits.summaryBytes), limits.records,
+                                  unpacked);
     if (const qint64 n = count(WorkflowTreeOmission::Records, true))
         texts += lackingFiles(n, limits.records);
     return texts;

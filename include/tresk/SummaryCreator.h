@@ -14,11 +14,10 @@ class TreskParser;
 /// that. Few bytes of a document may unpack to summaries of any size, and where steps reach back
 /// over each other, each names all files again.
 struct TRESK_EXPORT SummaryBudget {
-    /// Of summary documents, unpacked; read into summaries they may take thirty times as much.
-    qint64 bytes = qint64(64) * 1024 * 1024;
+    qint64 bytes = qint64(64) * 1024 * 1024; ///< of summary documents, unpacked
     qint64 files = 1000000; ///< named by summaries
-    QList<int> unread; ///< ids of the sections whose summary documents have more bytes than left
-    QList<int> withoutFiles; ///< ids of the sections that have more files than left
+    QList<int> unread; ///< ids of the sections whose summary documents have or name more than left
+    QList<int> withoutFiles; ///< ids of those whose markers have more files than left
 };
 
 /// Makes the summaries of all steps of a document. Has no state.

@@ -39,6 +39,12 @@ std::optional<Summary> readSummaryDocument(TreskParser& parser, int sectionId,
         return std::nullopt;
     }
     budget.bytes -= content->size();
+    // Each file takes thirty times the room of an empty element, so they are counted in advance:
+    // not exactly, but never too few.
+    if (content->count("<InFile") + content->count("<OutFile") > budget.files) {
+        budget.unread.append(sectionId);
+        return std::nullopt;
+    }
     // With the size: on its own, the array would end at its first NUL.
     const QString text = QString::fromUtf8(content->constData(), int(content->size()));
     return SummaryReader().readSummary(text);
@@ -116,8 +122,7 @@ QList<Summary> SummaryCreator::createSummaries(TreskParser& parser, SummaryBudge
         }
         const int readTagId = summary->tagId;
         summary->tagId = section->id;
-        if (!allowFiles(summary->files.size(), section->id, budget))
-            summary->files.clear();
+        budget.files -= summary->files.size();
         tieFiles(*summary, files);
         // A summary gets those files of a section that no summary has named, but the section is
         // that of the id that was read. This is -1, or 0 where there was no step element: such a

@@ -28,6 +28,7 @@ private Q_SLOTS:
     void documentThatUnpacksToMore();
     void largeSummary_data();
     void largeSummary();
+    void summaryThatNamesManyFiles();
     void oneSummaryForManySteps();
     void namesOfOmittedDocumentsAreNotMissing();
     void diffHasTheSameLimits();
@@ -298,11 +299,28 @@ void TestCommandLimits::largeSummary()
                       step(text("marker"), {summaryOfZeros(2047 * mebibyte)}),
                       stepThatEmbeds("two", {})}));
     const QByteArray line = leftOut("the summaries of 1 step are",
-                                    "no more than " + limit + " of summaries are unpacked");
+                                    "no more than " + limit
+                                        + " of summaries are unpacked, and 1000000 files in them "
+                                          "read");
     const bool twice = arguments.first() == text("diff");
     QCOMPARE(outcome.errors, twice ? line + line : line);
     QVERIFY2(outcome.output.contains(shown), outcome.output.constData());
     QCOMPARE(outcome.exitCode, 2);
+}
+
+void TestCommandLimits::summaryThatNamesManyFiles()
+{
+    const auto outcome = [this](int files) {
+        const QByteArray names = element("Title", "told") + QByteArray("<InFile/>").repeated(files);
+        return run({text("log"), text("--oneline")},
+                   documentWith({step(text("marker"), {summaryWith(names)})}));
+    };
+    QCOMPARE(outcome(1000).exitCode, 0);
+    compare(outcome(1000001), "0  -  marker  (1 embedded)\n",
+            leftOut("the summaries of 1 step are",
+                    "no more than 64.0 MiB of summaries are unpacked, and 1000000 files in them "
+                    "read"),
+            2);
 }
 
 void TestCommandLimits::oneSummaryForManySteps()
@@ -323,7 +341,8 @@ void TestCommandLimits::oneSummaryForManySteps()
     QCOMPARE(outcome.output.count('\n'), 101);
     QCOMPARE(outcome.errors,
              leftOut("the summaries of 93 steps are",
-                     "no more than 64.0 MiB of summaries are unpacked"));
+                     "no more than 64.0 MiB of summaries are unpacked, and 1000000 files in them "
+                     "read"));
     QCOMPARE(outcome.exitCode, 2);
 }
 
