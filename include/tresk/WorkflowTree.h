@@ -45,7 +45,7 @@ private:
 struct TRESK_EXPORT WorkflowTreeLimits {
     /// More levels are not followed, whatever the limits say: the tree and those who walk it call
     /// themselves for each, and as JSON, for instance, few programs could read them.
-    static constexpr int deepest = 250;
+    static constexpr int deepest = 200;
 
     int depth = 100; ///< levels of embedded documents below the document itself
     int documents = 10000; ///< embedded documents in all

@@ -400,10 +400,10 @@ void TestWorkflowTreeHostile::limitsAreKept()
     limits.depth = 1000;
     tree.setLimits(limits);
     QByteArray deep = twoSteps;
-    for (int level = 0; level < 251; ++level)
+    for (int level = 0; level < 201; ++level)
         deep = history({step("level", {plain(deep)})});
     tree.treeFromTreskFile(save(deep));
-    QCOMPARE(tree.serializedTree().size(), 251);
+    QCOMPARE(tree.serializedTree().size(), 201);
     QCOMPARE(tree.omissions().size(), 1);
 }
 
