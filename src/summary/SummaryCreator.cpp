@@ -8,6 +8,7 @@
 
 #include <QDebug>
 
+#include <algorithm>
 #include <limits>
 #include <optional>
 
@@ -16,7 +17,7 @@ namespace tresk {
 namespace {
 
 const QLatin1String summaryFilename("ws_summary.xml");
-constexpr int longestText = std::numeric_limits<int>::max() / 2
+constexpr int longestSummary = std::numeric_limits<int>::max() / 2
     - 64; // that all versions of Qt hold
 
 /// The summary as the last of @p files, those of the section @p sectionId, has it; nothing where
@@ -28,12 +29,11 @@ std::optional<Summary> readSummaryDocument(TreskParser& parser, int sectionId,
         return std::nullopt;
     const FileTag& file = files.constLast();
     const int size = file.compression == QLatin1String("none") ? file.cfilesize : file.filesize;
-    const bool fits = size <= budget.bytes;
+    const bool fits = size <= std::min<qint64>(budget.bytes, longestSummary);
     if (!fits)
         budget.unread.append(sectionId);
-    const QSharedPointer<QByteArray> content = fits && size <= longestText
-        ? parser.getFileContent(file.id)
-        : QSharedPointer<QByteArray>();
+    const QSharedPointer<QByteArray> content = fits ? parser.getFileContent(file.id)
+                                                    : QSharedPointer<QByteArray>();
     if (!content) {
         qCDebug(debugCategory) << "could not read summary" << file.id;
         return std::nullopt;

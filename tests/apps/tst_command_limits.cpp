@@ -281,6 +281,9 @@ void TestCommandLimits::largeSummary_data()
     row({text("find"), text("two")}, usual, "a.pdf");
     row({text("find"), text("marker"), text("--max-unpacked=20KiB")}, "20.0 KiB (--max-unpacked)",
         "a.pdf");
+    // No text holds as much.
+    row({text("find"), text("two"), text("--max-unpacked=4GiB")}, "4.0 GiB (--max-unpacked)",
+        "a.pdf");
     row({text("log")}, "64.0 MiB", "two");
     row({text("log"), text("--jsonl")}, "64.0 MiB", "\"inFileCount\":null");
     row({text("show")}, "64.0 MiB", "two");
