@@ -34,6 +34,16 @@ bool isAtTag(const Validatee& entry, qint64 offset)
     return entry.type == SectionType && entry.start + offset == entry.tagPos;
 }
 
+/// Whether the document has all bytes of @p entry. The digest of those that could be read says
+/// nothing of the rest: it may be one that somebody wrote down, if only that of no bytes.
+bool isInDocument(TreskParser& parser, const Validatee& entry)
+{
+    const qint64 last = qint64(entry.start) + entry.length - 1;
+    return entry.length <= 0
+        || (entry.start >= 0 && last <= std::numeric_limits<int>::max()
+            && parser.getBytes(int(last), 1).size() == 1);
+}
+
 } // namespace
 
 ValidationQueue::ValidationQueue(TreskParser* parser, int blockSize)
@@ -214,8 +224,7 @@ void ValidationQueue::hashBlock(const Validatee& entry)
     }
 }
 
-/// Feeds the next @p count bytes of @p entry, or fewer: that is no error, but makes the digest
-/// differ.
+/// Feeds the next @p count bytes of @p entry, or fewer: that is no error here.
 void ValidationQueue::feed(const Validatee& entry, qint64 pos, int count)
 {
     if (entry.type == SavedFileType)
@@ -239,7 +248,8 @@ void ValidationQueue::feedFromDisk(int count)
 void ValidationQueue::finishEntry(const Validatee& entry)
 {
     // A region that ends where its tag begins does not hold the tag that was fed.
-    const bool valid = m_validator.isValid() && !isAtTag(entry, m_offset);
+    const bool valid = m_validator.isValid() && !isAtTag(entry, m_offset)
+        && (entry.type == SavedFileType || isInDocument(*m_parser, entry));
     switch (entry.type) {
     case SectionType:
         Q_EMIT sectionProcessed(entry.id, valid);

@@ -188,6 +188,7 @@ void ValidationModel::beginEntry(const Entry& entry)
     m_md5 = entry.md5;
     m_md5Compressed = entry.md5Compressed;
     m_fed.clear();
+    m_incomplete = false;
     m_tagsMet = 0;
     if (entry.type == Saved)
         m_savedBytes = QFileInfo(entry.name).isFile() ? readFile(entry.name) : QByteArray();
@@ -198,8 +199,10 @@ void ValidationModel::hashBlock(const Entry& entry)
     qint64 count = qMin(entry.length - m_offset, m_blockSize);
     if (entry.type == Section && entry.start + m_offset < entry.tagPos)
         count = qMin(count, entry.tagPos - entry.start - m_offset);
-    m_fed += entry.type == Saved ? readSaved(count)
-                                 : m_document->read(entry.start + m_offset, count);
+    const QByteArray bytes = entry.type == Saved ? readSaved(count)
+                                                 : m_document->read(entry.start + m_offset, count);
+    m_fed += bytes;
+    m_incomplete = m_incomplete || (entry.type != Saved && bytes.size() < count);
     m_offset += count;
     m_processed += count;
     if (entry.type == Section && entry.start + m_offset == entry.tagPos && ++m_tagsMet == 1) {
@@ -241,6 +244,8 @@ bool ValidationModel::fedIsValid() const
     const auto isDigestOf = [](const QString& md5, const QByteArray& bytes) {
         return md5 == QString::fromLatin1(md5Hex(bytes));
     };
+    if (m_incomplete)
+        return false;
     if (m_md5Compressed.isEmpty())
         return isDigestOf(m_md5, m_fed);
     const Inflated stream = inflated(m_fed);

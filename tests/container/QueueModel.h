@@ -77,6 +77,7 @@ private:
     QString m_md5; // of the entry that was begun last
     QString m_md5Compressed;
     QByteArray m_fed;
+    bool m_incomplete = false; // the document does not have all bytes of the current entry
     QByteArray m_savedBytes; // of the open file that are still to be read
     QStringList m_events;
 };

@@ -76,6 +76,7 @@ private Q_SLOTS:
     void regionInFrontOfItsMarker();
     void regionOutsideTheDocument_data();
     void regionOutsideTheDocument();
+    void regionReachesBeyondTheDocument();
     void regionEndsAtThePlaceOfItsTag_data();
     void regionEndsAtThePlaceOfItsTag();
     void regionEndsInsideItsMarkerLine();
@@ -246,14 +247,27 @@ void TestValidationQueueRegions::regionOutsideTheDocument_data()
 
 void TestValidationQueueRegions::regionOutsideTheDocument()
 {
-    // Reads as nothing, so that only the digest of nothing fits.
+    // Reads as nothing, but the digest of nothing is none of the region.
     QFETCH(QByteArray, left);
     QFETCH(QByteArray, size);
     DocumentWriter doc;
     doc.writeHeader();
     SectionSpec spec = section().with("left", left).with("size", size);
     doc.writeSection(spec.with("md5section", md5Hex("")));
-    QCOMPARE(check(doc.bytes(), 1 << 30), QStringLiteral("section 0 valid"));
+    QCOMPARE(check(doc.bytes(), 1 << 30), QStringLiteral("section 0 invalid"));
+}
+
+void TestValidationQueueRegions::regionReachesBeyondTheDocument()
+{
+    // The digest is that of all there is of the region.
+    DocumentWriter doc;
+    doc.writeHeader();
+    SectionSpec spec = section();
+    spec.regionStart = 0;
+    spec.regionSize = 5000;
+    doc.writeSection(spec);
+    for (const int blockSize : {1, 100, 100000})
+        QCOMPARE(check(doc.bytes(), blockSize), QStringLiteral("section 0 invalid"));
 }
 
 void TestValidationQueueRegions::regionEndsAtThePlaceOfItsTag_data()
