@@ -55,10 +55,11 @@ public:
     bool checkExtent() const;
     /// Reports a history that does not lead back to its first step.
     bool checkChain() const;
-    /// Whether the document is still as long as it was when it was opened.
-    bool isWhole() const;
-    /// Reports a document that has become shorter since.
-    bool checkLength();
+    /// What has kept the document from being read to its end since it was opened; nothing if
+    /// all is well.
+    QString readingProblem() const;
+    /// Reports that.
+    bool checkReading();
 
 private:
     Q_DISABLE_COPY(Document)

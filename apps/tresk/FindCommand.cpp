@@ -132,8 +132,9 @@ void Finder::search(const QString& path, bool isNamed)
     const QList<Summary> summaries = SummaryCreator().createSummaries(document.parser());
     QHash<QString, QString> keys;
     const bool found = m_query.matches(summaries, &keys);
-    if (!document.isWhole())
-        fail(path, QStringLiteral("has become shorter while it was read"));
+    const QString problem = document.readingProblem();
+    if (!problem.isEmpty())
+        fail(path, problem);
     if (!found)
         return;
     ++m_found;

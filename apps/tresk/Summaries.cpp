@@ -104,7 +104,7 @@ int checkRead(Document& document, const Summaries& summaries)
 {
     summaries.warnOfMissing();
     const bool whole = document.checkExtent();
-    return document.checkLength() && whole ? exitDone : exitTrouble;
+    return document.checkReading() && whole ? exitDone : exitTrouble;
 }
 
 bool isInput(const FileSummary& file)
