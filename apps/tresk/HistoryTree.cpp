@@ -5,6 +5,7 @@
 #include "Messages.h"
 #include "StepFiles.h"
 #include "Summaries.h"
+#include "TemporaryFolder.h"
 #include "Text.h"
 
 namespace tresk::cli {
@@ -19,6 +20,7 @@ bool HistoryTree::read(const QString& path)
         document.report(QStringLiteral("its steps share too many files to be taken apart"));
         return false;
     }
+    const TemporaryFolder folder;
     WorkflowTree tree;
     QObject::connect(&tree, &LogSource::log, &tree, relayLogLine);
     // The parser that has the document open, since opening it anew may fail; it outlives the tree.
