@@ -3,7 +3,6 @@
 
 #include <tresk/ExtractionQueue.h>
 #include <tresk/TreskParser.h>
-#include <tresk/ValidationQueue.h>
 
 #include <QString>
 
@@ -50,7 +49,6 @@ private:
     Document& m_document;
     std::function<void(qint64)> m_progress;
     ExtractionQueue m_extraction;
-    ValidationQueue m_validation;
     bool m_valid = false; ///< what the queue said of the current file
 };
 

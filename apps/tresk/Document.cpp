@@ -83,7 +83,13 @@ bool Document::openQuietly(const QString& path)
     m_problem = problemWithFile();
     if (!m_problem.isEmpty())
         return false;
-    if (!m_parser.open(parserPath()))
+    const bool hasHeader = m_parser.open(parserPath());
+    // Where a part is missing from the lists, steps and files have other numbers.
+    if (m_parser.readFailed()) {
+        m_problem = readingProblem();
+        return false;
+    }
+    if (!hasHeader)
         m_problem = QStringLiteral(
             "has no history: none of its first 10 lines is a history header");
     else if (m_parser.getNumSections() == 0 && m_parser.getNumFiles() == 0)
@@ -174,15 +180,20 @@ bool Document::checkChain() const
     return problem.isEmpty();
 }
 
-bool Document::isWhole() const
+QString Document::readingProblem() const
 {
     struct stat status = {};
-    return fstat(m_fd, &status) == 0 && status.st_size >= m_size;
+    if (fstat(m_fd, &status) != 0)
+        return systemError(errno);
+    if (status.st_size < m_size)
+        return QStringLiteral("has become shorter while it was read");
+    return m_parser.readFailed() ? QStringLiteral("a part of it cannot be read") : QString();
 }
 
-bool Document::checkLength()
+bool Document::checkReading()
 {
-    return isWhole() || refuse(QStringLiteral("has become shorter while it was read"));
+    const QString problem = readingProblem();
+    return problem.isEmpty() || refuse(problem);
 }
 
 bool Document::refuse(const QString& problem)
@@ -211,7 +222,11 @@ QString Document::problemWithFile()
     if (file.size > std::numeric_limits<int>::max())
         return unfit(QStringLiteral("has 2 GiB or more, which is not supported"));
     char byte = 0;
-    if (pread(m_fd, &byte, 1, 0) == -1)
+    ssize_t count = 0;
+    do {
+        count = pread(m_fd, &byte, 1, 0);
+    } while (count == -1 && errno == EINTR);
+    if (count == -1)
         return systemError(errno);
     m_size = file.size;
     return {};

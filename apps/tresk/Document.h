@@ -59,10 +59,11 @@ public:
     QString chainProblem() const;
     /// Reports it and returns false if there is such a problem.
     bool checkChain() const;
-    /// Whether the document is still as long as it was when it was opened.
-    bool isWhole() const;
-    /// Reports a document that has become shorter since.
-    bool checkLength();
+    /// What has kept the document from being read to its end since it was opened; nothing if
+    /// all is well.
+    QString readingProblem() const;
+    /// Reports that.
+    bool checkReading();
 
 private:
     Q_DISABLE_COPY(Document)

@@ -131,6 +131,8 @@ ContentCopy::Failure Extraction::extract(const FileTag& file)
     if (failure.reason == Failure::None && m_verify) {
         m_done += workFor({file}, false);
         failure = m_copy.verify(file, target);
+        if (failure.reason == Failure::Target)
+            return targetFailure(file, failure.text);
     }
     if (failure.reason != Failure::None)
         return failure;

@@ -151,8 +151,7 @@ void Finder::checkWhole(const QString& path, const Document& document, const Sum
     QStringList problems = shortfalls(m_budget, left, QStringLiteral("--max-unpacked"));
     problems += document.extentProblem();
     problems += document.chainProblem();
-    if (!document.isWhole())
-        problems += QStringLiteral("has become shorter while it was read");
+    problems += document.readingProblem();
     problems.removeAll(QString());
     for (const QString& problem : qAsConst(problems))
         fail(path, problem);

@@ -6,6 +6,7 @@
 #include "Messages.h"
 #include "StepFiles.h"
 #include "Summaries.h"
+#include "TemporaryFolder.h"
 #include "Text.h"
 
 namespace tresk::cli {
@@ -20,22 +21,30 @@ bool HistoryTree::read(const QString& path, const WorkflowTreeLimits& limits)
         document.report(QStringLiteral("its steps share too many files to be taken apart"));
         return false;
     }
+    const TemporaryFolder folder;
     WorkflowTree tree;
     QObject::connect(&tree, &LogSource::log, &tree, relayLogLine);
     tree.setLimits(limits);
-    tree.treeFromTreskFile(document.parserPath());
+    // The parser that has the document open, since opening it anew may fail; it outlives the tree.
+    const QSharedPointer<TreskParser> parser(&document.parser(), [](TreskParser*) {});
+    tree.treeFromTreskFile(parser, document.parserPath());
     // Only the steps are kept: the temporary files go at once, whatever happens later.
+    bool hasGaps = false;
     const QList<int> ids = tree.nodeIds();
     for (const int id : ids) {
         m_tree.addTreeNode(tree.parent(id), *tree.workflowStep(id), tree.treskfile(id),
                            tree.fileOnDisk(id));
+        const QSharedPointer<TreskParser> origin = tree.treskParser(id);
+        hasGaps = hasGaps || (origin != parser && origin->readFailed());
     }
     reportMissing(document, tree.omissions());
     const QStringList texts = shortfalls(limits, tree.omissions());
     for (const QString& text : texts)
         document.report(text);
-    m_isWhole = m_isWhole && texts.isEmpty();
-    m_isWhole = document.checkChain() && document.checkLength() && m_isWhole;
+    if (hasGaps)
+        document.report(QStringLiteral("a part of the documents embedded in it cannot be read"));
+    m_isWhole = m_isWhole && texts.isEmpty() && !hasGaps;
+    m_isWhole = document.checkChain() && document.checkReading() && m_isWhole;
     return true;
 }
 

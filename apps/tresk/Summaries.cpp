@@ -110,7 +110,7 @@ int checkRead(Document& document, const Summaries& summaries)
 {
     const bool complete = summaries.checkMissing();
     const bool whole = document.checkExtent() && complete;
-    return document.checkLength() && whole ? exitDone : exitTrouble;
+    return document.checkReading() && whole ? exitDone : exitTrouble;
 }
 
 bool isInput(const FileSummary& file)

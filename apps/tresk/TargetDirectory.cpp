@@ -1,5 +1,6 @@
 #include "TargetDirectory.h"
 
+#include "Interruption.h"
 #include "Output.h"
 #include "SystemText.h"
 
@@ -14,6 +15,8 @@
 namespace tresk::cli {
 
 namespace {
+
+TargetFile* unfinished = nullptr; // files are written one at a time
 
 QString lastError()
 {
@@ -84,12 +87,25 @@ QString TargetDirectory::obstacle(const QString& name, bool replace) const
 TargetFile::TargetFile(const TargetDirectory& directory)
     : m_directory(directory)
 {
+    unfinished = this;
 }
 
 TargetFile::~TargetFile()
 {
+    unfinished = nullptr;
     if (m_fd != -1)
         close(m_fd);
+    remove();
+}
+
+void TargetFile::removeUnfinished()
+{
+    if (unfinished)
+        unfinished->remove();
+}
+
+void TargetFile::remove() const
+{
     if (m_exists)
         unlinkat(m_directory.m_fd, m_temporaryName.constData(), 0);
 }
@@ -99,7 +115,7 @@ QString TargetFile::create()
     do {
         m_temporaryName = temporaryName();
         m_fd = openat(m_directory.m_fd, m_temporaryName.constData(),
-                      O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, 0666);
+                      O_RDWR | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, 0666);
     } while (m_fd == -1 && errno == EEXIST);
     m_exists = m_fd != -1;
     if (!m_exists)
@@ -123,6 +139,20 @@ QString TargetFile::write(const QByteArray& bytes)
 {
     const int error = writeFully(m_fd, bytes.constData(), bytes.size());
     return error == 0 ? QString() : systemError(error);
+}
+
+QString TargetFile::read(qint64 pos, QByteArray& piece) const
+{
+    piece.resize(64 * 1024);
+    const auto size = static_cast<size_t>(piece.size());
+    ssize_t count = 0;
+    do {
+        count = pread(m_fd, piece.data(), size, pos);
+    } while (count == -1 && errno == EINTR && interruptedBy() == 0);
+    if (count <= 0)
+        return systemError(count == 0 ? EIO : errno);
+    piece.truncate(static_cast<int>(count));
+    return {};
 }
 
 QString TargetFile::problem()

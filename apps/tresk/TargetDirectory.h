@@ -47,10 +47,15 @@ public:
     explicit TargetFile(const TargetDirectory& directory);
     ~TargetFile();
 
+    /// Removes the file that is not completed, if there is one. Takes no memory.
+    static void removeUnfinished();
+
     // These return what went wrong; nothing if all is well.
 
     QString create();
     QString write(const QByteArray& bytes);
+    /// Reads a piece of what was written from the offset @p pos on. There has to be something.
+    QString read(qint64 pos, QByteArray& piece) const;
     /// Tries whether more can be written behind what is there, which spoils the file.
     QString problem();
     /// Gives the file its name @p name. With @p replace whatever else has it goes, unless it
@@ -68,6 +73,7 @@ private:
 
     int giveName(const char* name, bool replace);
     void allowOwner();
+    void remove() const;
 
     const TargetDirectory& m_directory;
     QByteArray m_temporaryName;

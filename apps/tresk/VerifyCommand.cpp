@@ -152,7 +152,7 @@ void Verifier::tell(const Document& document, const Verification::Item& item)
 int Verifier::conclude(Document& document)
 {
     ++m_counts.documents;
-    const bool readable = document.checkLength() && !m_unreadable;
+    const bool readable = document.checkReading() && !m_unreadable;
     const bool whole = m_outside || document.checkExtent(); // no need to say it twice
     const bool complete = document.checkChain() && whole;
     if (!complete)

@@ -1,7 +1,9 @@
 #include "Commands.h"
 #include "Invocation.h"
 #include "Messages.h"
+#include "OutOfMemory.h"
 #include "SystemText.h"
+#include "ToolRun.h"
 
 #include <QCoreApplication>
 #include <QLoggingCategory>
@@ -12,6 +14,8 @@
 namespace tresk::cli {
 
 namespace {
+
+const char* const ownValue = "tresk";
 
 /// Makes a closed pipe and a file that grows beyond the limit errors that are reported, where
 /// a signal would end the program with its work half done.
@@ -45,6 +49,18 @@ void applyCommonOptions(Invocation& invocation)
     invocation.style = Style(coloured);
 }
 
+/// Returns the exit code.
+int runCommand(const Command& command, Invocation& invocation)
+{
+    const int exitCode = command.run(invocation);
+    invocation.output.flush();
+    // Nobody can tell what has failed, or was not found, where the output is not complete.
+    const int error = invocation.output.error();
+    const bool isTool = command.wrongUsage != exitTrouble;
+    const bool isLost = error != 0 && error != EPIPE && exitCode == exitFailed;
+    return isLost && !isTool ? exitTrouble : exitCode;
+}
+
 /// Does what @p arguments (the program's name first) ask for; @p position is where the
 /// command stands in them.
 int dispatch(Invocation& invocation, QStringList arguments, int position)
@@ -72,7 +88,9 @@ int dispatch(Invocation& invocation, QStringList arguments, int position)
     if (!checkArguments(command, invocation.arguments))
         return wrongUsage;
     applyCommonOptions(invocation);
-    return command->run(invocation);
+    if (wrongUsage != exitTrouble)
+        setOutOfMemoryCode(toolNotRun);
+    return runCommand(*command, invocation);
 }
 
 /// Writes what is left of the output and reports what went wrong with it. Nobody needs to be
@@ -98,6 +116,20 @@ int run(const QStringList& arguments)
     return finish(invocation.output, dispatch(invocation, arguments, position));
 }
 
+/// Has Qt wait for events by itself: GLib would end the program in its own way where memory runs
+/// out. To be called before there is an application; allowGlib() is for the tools that are run.
+void avoidGlib()
+{
+    if (!qEnvironmentVariableIsSet("QT_NO_GLIB"))
+        qputenv("QT_NO_GLIB", ownValue);
+}
+
+void allowGlib()
+{
+    if (qgetenv("QT_NO_GLIB") == ownValue)
+        qunsetenv("QT_NO_GLIB");
+}
+
 } // namespace
 
 } // namespace tresk::cli
@@ -106,11 +138,14 @@ int main(int argc, char** argv)
 {
     using namespace tresk::cli;
 
+    endWhenOutOfMemory();
     ignoreWriteSignals();
     catchLogLines();
     useUtf8ForSystemText();
     const QStringList arguments = decodedArguments(argc, argv);
+    avoidGlib();
     const QCoreApplication application(argc, argv);
+    allowGlib();
     useEnglishSystemMessages();
     return run(arguments);
 }

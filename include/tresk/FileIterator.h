@@ -29,7 +29,8 @@ namespace tresk {
 ///
 /// Positions are byte offsets in signed 32-bit integers, and sizes are truncated to them:
 /// files of 2 GiB or more are not supported. No operation reports an error otherwise than
-/// by a false, empty or null result.
+/// by a false, empty or null result, which a file that has ended gives as well; readFailed()
+/// tells them apart.
 class TRESK_EXPORT FileIterator {
 public:
     /// Creates a closed iterator: no file, position -1.
@@ -94,6 +95,10 @@ public:
     bool onLine() const;
     /// Size of the open file in bytes, not truncated; 0 without a file.
     qint64 getFileSize() const;
+    /// Whether the file at the path of the last open(), or a part of it that was wanted since,
+    /// could not be read, for another reason than that the file ends there. What was read may
+    /// lack something then.
+    bool readFailed() const;
 
     /// Gives the file's descriptor back. The next read opens the file at its path again.
     void releaseFile();
@@ -120,6 +125,7 @@ private:
 
     std::unique_ptr<QFile> m_file;
     bool m_released = false;
+    bool m_readFailed = false;
     qint64 m_fileSize = 0;
     QByteArray m_buffer; // the slice
     QByteArray m_line;

@@ -13,6 +13,12 @@ namespace tresk {
 /// Every long-lived object of the library is a log source. An owner relays the
 /// messages of what it owns into its own signal (publishToLogSignal()), so that
 /// one listener at the top receives them all.
+///
+/// Failures are reported by results and messages, with one exception: where memory runs out,
+/// std::bad_alloc is thrown, by Qt or by the library itself. Files that were being written may be
+/// left unfinished then, and objects that took part can only be destroyed. Not all of Qt survives
+/// that; a program that must not crash then should end without unwinding, from a new-handler and
+/// a terminate handler.
 class TRESK_EXPORT LogSource : public QObject {
     Q_OBJECT
 

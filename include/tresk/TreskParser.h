@@ -86,6 +86,11 @@ public:
     /// path again, so it has to be the same then.
     void releaseFile();
 
+    /// Whether the document, or a part of it that was wanted since open(), could not be read, for
+    /// another reason than that the file ends there (a failing disk, say). The lists or contents
+    /// may lack something then. Also after an open() that has failed: whether that is why.
+    bool readFailed() const;
+
     /// All sections, newest first: a section's id is its index.
     QList<SectionTag> getSections() const;
     /// All embedded files in the order of the document: a file's id is its index.

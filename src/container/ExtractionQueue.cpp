@@ -118,8 +118,8 @@ void ExtractionQueue::openTarget(const Extractee& entry)
     // A failure shows when the first bytes, or none, are to be written. A file that is empty
     // already is not emptied: file systems make up for that by waiting for the disk.
     if (m_target.open(QIODevice::WriteOnly | QIODevice::Append | QIODevice::Unbuffered)
-        && m_target.size() > 0)
-        m_target.resize(0);
+        && m_target.size() > 0 && !m_target.resize(0))
+        m_target.close();
 }
 
 bool ExtractionQueue::write(const QByteArray& data)

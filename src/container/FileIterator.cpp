@@ -29,9 +29,13 @@ bool FileIterator::open(const QString& path)
 {
     closeFile();
     m_file = std::make_unique<QFile>(path);
-    if (!openFile())
+    m_readFailed = !openFile();
+    if (m_readFailed)
         return false;
     m_fileSize = m_file->size();
+    char byte = 0;
+    // A size that cannot be had reads as 0.
+    m_readFailed = m_fileSize == 0 && m_file->read(&byte, 1) != 0;
     if (getFirstBuffer())
         searchForwards();
     return true;
@@ -48,6 +52,7 @@ void FileIterator::closeFile()
 {
     m_file.reset();
     m_released = false;
+    m_readFailed = false;
     m_fileSize = 0;
     m_buffer.clear();
     m_lineStart = -1;
@@ -182,6 +187,11 @@ qint64 FileIterator::getFileSize() const
     return m_fileSize;
 }
 
+bool FileIterator::readFailed() const
+{
+    return m_readFailed;
+}
+
 bool FileIterator::isOpen() const
 {
     return m_file && (m_file->isOpen() || m_released);
@@ -230,7 +240,8 @@ bool FileIterator::readInto(QByteArray& bytes, qint64 pos, int len)
 {
     len = std::min(len, longestArray);
     bytes.resize(len);
-    const qint64 count = reopen() && m_file->seek(pos) ? m_file->read(bytes.data(), len) : 0;
+    const qint64 count = reopen() && m_file->seek(pos) ? m_file->read(bytes.data(), len) : -1;
+    m_readFailed = m_readFailed || (m_file && count < 0);
     bytes.truncate(int(std::max<qint64>(count, 0)));
     return count > 0;
 }

@@ -64,6 +64,11 @@ void TreskParser::releaseFile()
     m_iterator.releaseFile();
 }
 
+bool TreskParser::readFailed() const
+{
+    return m_iterator.readFailed();
+}
+
 QList<SectionTag> TreskParser::getSections() const
 {
     return m_sections;

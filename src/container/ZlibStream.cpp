@@ -1,6 +1,7 @@
 #include "container/ZlibStream.h"
 
 #include <algorithm>
+#include <new>
 
 namespace tresk {
 
@@ -8,6 +9,15 @@ namespace {
 
 constexpr int outputSize = 1024 * 1024;
 constexpr qint64 largestInput = 1 << 30; // zlib counts its input in 32 bits
+
+/// Returns @p result, what zlib says of a call. Where memory is short it throws, as everything
+/// else does then: nothing is wrong with the data.
+int checked(int result)
+{
+    if (result == Z_MEM_ERROR)
+        throw std::bad_alloc();
+    return result;
+}
 
 } // namespace
 
@@ -26,7 +36,7 @@ void ZlibStream::init()
 {
     m_zlib = z_stream();
     m_finished = false;
-    m_valid = inflateInit(&m_zlib) == Z_OK;
+    m_valid = checked(inflateInit(&m_zlib)) == Z_OK;
 }
 
 void ZlibStream::reset()
@@ -45,7 +55,7 @@ bool ZlibStream::inflate(const char* data, qint64 size, const Sink& sink)
         provideInput(data, size);
         m_zlib.next_out = reinterpret_cast<Bytef*>(m_output.get());
         m_zlib.avail_out = outputSize;
-        const int result = ::inflate(&m_zlib, Z_NO_FLUSH);
+        const int result = checked(::inflate(&m_zlib, Z_NO_FLUSH));
         // Input that ends just where the buffer was full is no fault.
         if (result == Z_BUF_ERROR && bufferWasFull && m_zlib.avail_in == 0)
             return true;
