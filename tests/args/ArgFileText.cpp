@@ -31,7 +31,7 @@ QStringList changedTexts(const Fields& fields, const Owner& owner)
     QStringList lines;
     for (const auto& field : fields) {
         if (!(owner.*field.get)().isEmpty())
-            lines += line(field.name, quoted((owner.*field.get)()));
+            lines += line(field.name, quotedAscii((owner.*field.get)()));
     }
     return lines;
 }
@@ -54,13 +54,14 @@ QStringList userAttributes(const Owner& owner)
     const QStringList keys = owner.userAttributeKeys();
     for (const QString& key : keys)
         lines += line("user attribute",
-                      quoted(key) + QStringLiteral(" = ") + quoted(owner.userAttribute(key)));
+                      quotedAscii(key) + QStringLiteral(" = ")
+                          + quotedAscii(owner.userAttribute(key)));
     return lines;
 }
 
 } // namespace
 
-QString quoted(const QString& text)
+QString quotedAscii(const QString& text)
 {
     QString result(QLatin1Char('"'));
     for (const QChar c : text) {
@@ -80,8 +81,8 @@ QStringList textOf(const WSFile& file)
         + userAttributes(file);
     for (QString& each : lines)
         each.prepend(QStringLiteral("  "));
-    const QString path = quoted(file.filepath()) + QLatin1Char(' ')
-        + quoted(file.filename().mid(file.filepath().size()));
+    const QString path = quotedAscii(file.filepath()) + QLatin1Char(' ')
+        + quotedAscii(file.filename().mid(file.filepath().size()));
     lines.prepend(line(file.inputFile() ? "input file" : "output file", path));
     return lines;
 }
@@ -95,7 +96,7 @@ QStringList textOf(const ArgFile& options)
     lines += changedTexts(textFields, options);
     lines += userAttributes(options);
     for (int i = 0; i < options.numOutputTreskfiles(); ++i)
-        lines += line("output document", quoted(options.outputTreskfile(i)));
+        lines += line("output document", quotedAscii(options.outputTreskfile(i)));
     for (int i = 0; i < options.numFiles(); ++i)
         lines += textOf(options.getConstFile(i));
     return lines;

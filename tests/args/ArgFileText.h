@@ -19,7 +19,7 @@ QStringList textOf(const tresk::WSFile& file);
 QStringList textOf(const tresk::ArgFile& options);
 
 /// @p text in quotes and on one line, with all but printable ASCII as \uXXXX.
-QString quoted(const QString& text);
+QString quotedAscii(const QString& text);
 
 /// What became of an argument file.
 struct ReadOptions {

@@ -3,7 +3,6 @@
 #include "ArgFileFields.h"
 #include "ArgFileText.h"
 
-#include <QRandomGenerator>
 #include <QStringList>
 
 #include <algorithm>
@@ -29,31 +28,31 @@ bool isKept(const QString& word)
 
 class Generator {
 public:
-    explicit Generator(QRandomGenerator& random)
-        : m_random(random)
+    explicit Generator(const std::function<int(int)>& below)
+        : m_below(below)
     {
     }
 
     ArgFile options()
     {
         ArgFile options;
-        options.setVerbosity(ArgFile::Verbosity(m_random.bounded(3)));
+        options.setVerbosity(ArgFile::Verbosity(m_below(3)));
         for (const FlagField& field : flagFields)
             (options.*field.set)(oneIn(2));
         for (const TextField& field : textFields) {
             if (field.set != &ArgFile::setFirstpage && field.set != &ArgFile::setReadme)
                 (options.*field.set)(anyText());
         }
-        for (int i = m_random.bounded(4); i > 0; --i)
+        for (int i = m_below(4); i > 0; --i)
             options.addOutputTreskfile(word());
         addUserAttributes(options);
-        for (int i = m_random.bounded(4); i > 0; --i)
+        for (int i = m_below(4); i > 0; --i)
             options.addFile(file());
         return options;
     }
 
 private:
-    bool oneIn(int count) { return m_random.bounded(count) == 0; }
+    bool oneIn(int count) { return m_below(count) == 0; }
 
     QString piece()
     {
@@ -96,17 +95,18 @@ private:
                                         QString(QChar(0xd83d)),
                                         QString(QChar(0xde00)),
                                         QString(QChar(0))};
-        return pieces.at(m_random.bounded(int(pieces.size())));
+        const int which = m_below(int(pieces.size()) + 1);
+        return which < pieces.size() ? pieces.at(which) : QString(QChar(m_below(0x10000)));
     }
 
     /// A text that is not empty.
     QString word()
     {
         QString word;
-        for (int count = m_random.bounded(6); count >= 0; --count)
+        for (int count = m_below(6); count >= 0; --count)
             word += piece();
         if (!isKept(word))
-            word.insert(m_random.bounded(int(word.size()) + 1), QLatin1Char(' '));
+            word.insert(m_below(int(word.size()) + 1), QLatin1Char(' '));
         return word;
     }
 
@@ -115,10 +115,10 @@ private:
     template <typename Owner>
     void addUserAttributes(Owner& owner)
     {
-        for (int i = m_random.bounded(5); i > 0; --i) {
+        for (int i = m_below(5); i > 0; --i) {
             const QStringList keys = owner.userAttributeKeys();
             const bool again = !keys.isEmpty() && oneIn(3);
-            const QString key = again ? keys.at(m_random.bounded(int(keys.size()))) : anyText();
+            const QString key = again ? keys.at(m_below(int(keys.size()))) : anyText();
             owner.addUserAttribute(key, key.isEmpty() ? QString() : anyText());
         }
     }
@@ -128,7 +128,7 @@ private:
         static const QStringList starts{QString(),    QString(),  text("/"),  text("//"),
                                         text("./"),   text(".."), text("x/"), text("x//y"),
                                         text("x///"), text("/x/")};
-        const QString start = starts.at(m_random.bounded(int(starts.size())));
+        const QString start = starts.at(m_below(int(starts.size())));
         return start + anyText().remove(QLatin1Char(':'));
     }
 
@@ -153,7 +153,7 @@ private:
         return file;
     }
 
-    QRandomGenerator& m_random;
+    const std::function<int(int)>& m_below;
 };
 
 } // namespace
@@ -163,9 +163,9 @@ bool isQuoted(const QString& word)
     return std::any_of(word.begin(), word.end(), isSpace);
 }
 
-ArgFile randomArgFile(QRandomGenerator& random)
+ArgFile randomArgFile(const std::function<int(int)>& below)
 {
-    return Generator(random).options();
+    return Generator(below).options();
 }
 
 } // namespace tresktest

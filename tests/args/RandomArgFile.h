@@ -5,7 +5,7 @@
 
 #include <QString>
 
-class QRandomGenerator;
+#include <functional>
 
 namespace tresktest {
 
@@ -22,7 +22,9 @@ bool isQuoted(const QString& word);
 ///   of a user attribute that has a value.
 ///
 /// Paths of files hold no colon, since Qt has a meaning of its own for those that begin with one.
-tresk::ArgFile randomArgFile(QRandomGenerator& random);
+///
+/// Every choice is made by @p below, which returns a number from 0 to its argument minus 1.
+tresk::ArgFile randomArgFile(const std::function<int(int)>& below);
 
 } // namespace tresktest
 

@@ -1,11 +1,13 @@
+#include "SplitModel.h"
+
 #include <tresk/TreskRunner.h>
 
 #include <QRandomGenerator>
-#include <QRegExp>
 #include <QSignalSpy>
 #include <QTest>
 
 using tresk::TreskRunner;
+using tresktest::SplitModel;
 
 namespace {
 
@@ -43,47 +45,6 @@ QStringList linesOf(const QSignalSpy& spy)
         lines += arguments.at(1).toString() + QLatin1Char(' ') + arguments.at(0).toString();
     return lines;
 }
-
-/// What becomes of output, by splitting all of what is left anew with each piece.
-class SplitModel {
-public:
-    void process(const QString& text, bool flush)
-    {
-        rest += text;
-        const QStringList parts = partsOf(rest);
-        for (int i = 0; i + 1 < parts.size(); ++i)
-            addLine(parts.at(i) + QLatin1Char('\n'));
-        rest = parts.constLast();
-        if (flush && !rest.isEmpty())
-            addLine(rest + QLatin1Char('\n'));
-    }
-
-    QString rest;
-    QStringList lines;
-
-private:
-    static QStringList partsOf(const QString& text)
-    {
-        const QRegExp lineBreak(latin1("(\\r\\n)|[\\n\\r]"));
-        QStringList parts;
-        int begin = 0;
-        for (int at = 0; (at = lineBreak.indexIn(text, begin)) != -1;) {
-            parts += text.mid(begin, at - begin);
-            begin = at + lineBreak.matchedLength();
-        }
-        return parts << text.mid(begin);
-    }
-
-    void addLine(const QString& line)
-    {
-        if (line.startsWith(latin1("***ERROR")))
-            lines += latin1("2 ") + line.mid(8);
-        else if (line.startsWith(latin1("***WARNING")))
-            lines += latin1("1 ") + line.mid(10);
-        else
-            lines += latin1("0 ") + line;
-    }
-};
 
 QString randomText(QRandomGenerator& random)
 {

@@ -13,7 +13,10 @@ public:
     {
     }
 
-    FieldLines& add(const char* name, const QString& value) { return addLine(name, quoted(value)); }
+    FieldLines& add(const char* name, const QString& value)
+    {
+        return addLine(name, quotedOrNull(value));
+    }
     FieldLines& add(const char* name, int value) { return addLine(name, QString::number(value)); }
     FieldLines& add(const char* name, bool value)
     {
@@ -23,7 +26,7 @@ public:
     FieldLines& add(const char* name, const QStringList& values)
     {
         for (const QString& value : values)
-            addLine(name, quoted(value));
+            addLine(name, quotedOrNull(value));
         return *this;
     }
 
@@ -31,7 +34,8 @@ public:
     {
         QStringList entries;
         for (auto entry = values.begin(); entry != values.end(); ++entry)
-            entries += quoted(entry.key()) + QStringLiteral(" -> ") + quoted(entry.value());
+            entries += quotedOrNull(entry.key()) + QStringLiteral(" -> ")
+                + quotedOrNull(entry.value());
         entries.sort();
         for (const QString& entry : std::as_const(entries))
             addLine(name, entry);
@@ -131,7 +135,7 @@ QStringList textOf(const QList<tresk::Summary>& summaries)
     return lines;
 }
 
-QString quoted(const QString& text)
+QString quotedOrNull(const QString& text)
 {
     if (text.isNull())
         return QStringLiteral("(null)");

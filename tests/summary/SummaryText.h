@@ -15,7 +15,7 @@ QStringList textOf(const tresk::FileSummary& file);
 QStringList textOf(const QList<tresk::Summary>& summaries);
 
 /// @p text in quotes and on one line, or "(null)".
-QString quoted(const QString& text);
+QString quotedOrNull(const QString& text);
 
 } // namespace tresktest
 

@@ -43,7 +43,7 @@ void TestSummaryReaderRandom::compare(const QString& text)
         lines = tresktest::debugLines(capture);
     }
     if (actual != expected || lines != model.debugLines())
-        qWarning("the text was %s", qPrintable(tresktest::quoted(text)));
+        qWarning("the text was %s", qPrintable(tresktest::quotedOrNull(text)));
     QCOMPARE(actual, expected);
     QCOMPARE(lines, model.debugLines());
 }
