@@ -38,7 +38,7 @@ void fail(const char* condition, const char* file, int line)
 
 void prepareProcess()
 {
-    QLoggingCategory::setFilterRules(QStringLiteral("tresk.debug=false"));
+    QLoggingCategory::setFilterRules(QStringLiteral("tresk.debug=false\ndefault.warning=false"));
 }
 
 } // namespace tresk_fuzz

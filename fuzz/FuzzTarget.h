@@ -38,7 +38,7 @@ private:
 
 [[noreturn]] void fail(const char* condition, const char* file, int line);
 
-/// What every process does first: debug lines are switched off.
+/// What every process does first: debug lines and Qt's warnings are switched off.
 void prepareProcess();
 
 } // namespace tresk_fuzz

@@ -32,7 +32,8 @@ qint64 dataStart(const FileTag& file)
 }
 
 /// The content of the zlib stream @p stored, which should have @p size bytes: nothing of a
-/// stream that is damaged, and little more than @p size of one that is longer.
+/// stream that is damaged, and little more than @p size of one that is longer. A stream that is
+/// both counts as damaged where @p size is 0, which then fits.
 QByteArray inflated(const QByteArray& stored, int size)
 {
     QByteArray content;
@@ -40,12 +41,14 @@ QByteArray inflated(const QByteArray& stored, int size)
         return content;
     content.reserve(int(std::min<qint64>(size, stored.size() * largestRatio)));
     const auto append = [&content, size](const char* data, int count) {
-        content.append(data, count);
-        return content.size() <= size;
+        if (content.size() <= size)
+            content.append(data, count);
+        return size == 0 || content.size() <= size;
     };
     ZlibStream stream;
     stream.inflate(stored.constData(), stored.size(), append);
-    return stream.hasFinished() || content.size() > size ? content : QByteArray();
+    const bool isLonger = size > 0 && content.size() > size;
+    return stream.hasFinished() || isLonger ? content : QByteArray();
 }
 
 QString megabytes(int size)

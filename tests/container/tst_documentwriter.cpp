@@ -1,3 +1,4 @@
+#include "DocumentRepair.h"
 #include "DocumentWriter.h"
 
 #include <QTest>
@@ -19,9 +20,47 @@ QByteArray withoutDigests(QByteArray bytes)
     return bytes;
 }
 
+QByteArray withFile(const FileSpec& file)
+{
+    DocumentWriter doc;
+    doc.writeHeader();
+    doc.writeFile(file);
+    return doc.bytes();
+}
+
+QByteArray withSection(const FileSpec& file)
+{
+    DocumentWriter doc;
+    doc.writeHeader();
+    SectionSpec section;
+    section.files = {file};
+    doc.writeSection(section);
+    return doc.bytes();
+}
+
+/// Two sections without files, and what is between them.
+QByteArray withSections(const QByteArray& between)
+{
+    DocumentWriter doc;
+    doc.writeHeader();
+    doc.writeSection({});
+    doc.write(between);
+    doc.writeSection({});
+    return doc.bytes();
+}
+
+/// Stored in a stream in which every byte of it can be seen.
+FileSpec visible(const QByteArray& content)
+{
+    FileSpec file = FileSpec::flate(QStringLiteral("file"), content);
+    file.stored = deflated(content, 0);
+    return file;
+}
+
 } // namespace
 
-/// The writer's output, byte by byte, so that no test relies on a writer that is wrong.
+/// The writer's output, byte by byte, so that no test relies on a writer that is wrong; and that a
+/// document which was changed and repaired is the one that the writer would have written.
 class TestDocumentWriter : public QObject {
     Q_OBJECT
 
@@ -38,6 +77,8 @@ private Q_SLOTS:
     void continuedDocument();
     void rawFields();
     void escapes();
+    void repair_data();
+    void repair();
 };
 
 void TestDocumentWriter::header()
@@ -206,6 +247,39 @@ void TestDocumentWriter::escapes()
 {
     QCOMPARE(escaped(QStringLiteral("\\]\n[")), QByteArray("\\\\\\]\\n["));
     QCOMPARE(escaped(QStringLiteral("\\n")), QByteArray("\\\\n"));
+}
+
+void TestDocumentWriter::repair_data()
+{
+    QTest::addColumn<QByteArray>("changed");
+    QTest::addColumn<QByteArray>("repaired");
+    const FileSpec abc = FileSpec::plain(QStringLiteral("file"), "abcdefghij");
+    const FileSpec abx = FileSpec::plain(QStringLiteral("file"), "abxdefghij");
+    const QByteArray sound = withSection(FileSpec::flate(QStringLiteral("file"), "abc"));
+    QTest::newRow("nothing") << sound << sound;
+    QTest::newRow("content") << withSection(abc).replace("abcdef", "abxdef") << withSection(abx);
+    QTest::newRow("stream") << withSection(visible("abcdefghij")).replace("abcdef", "abxdef")
+                            << withSection(visible("abxdefghij"));
+    FileSpec otherHeader = visible("abc");
+    otherHeader.stored->replace(0, 2, "\x78\x9c");
+    QTest::newRow("header of a stream")
+        << withFile(otherHeader).replace("\x78\x9c", "\x70\x9c") << withFile(otherHeader);
+    QTest::newRow("lines between")
+        << withSections("%\n").replace("-->\n%\n", "-->\n%\n%\n%\n") << withSections("%\n%\n%\n");
+
+    FileSpec six = FileSpec::plain(QStringLiteral("file"), "abcdef");
+    six.with("filesize", "06").with("cfilesize", "06").with("blocksize", "12");
+    QTest::newRow("end") << withFile(abc).chopped(5) << withFile(six).chopped(1);
+    FileSpec unsignedFile = abc;
+    unsignedFile.with("md5file", "");
+    QTest::newRow("no digest") << withFile(unsignedFile) << withFile(unsignedFile);
+}
+
+void TestDocumentWriter::repair()
+{
+    QFETCH(QByteArray, changed);
+    QFETCH(QByteArray, repaired);
+    QCOMPARE(repairedDocument(changed), repaired);
 }
 
 QTEST_APPLESS_MAIN(TestDocumentWriter)

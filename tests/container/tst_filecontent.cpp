@@ -122,6 +122,12 @@ void TestFileContent::content_data()
     // A damaged stream counts as no bytes, and none is what these should have.
     QTest::newRow("flate, empty and damaged")
         << storedAs(flate(""), "no zlib stream") << QByteArray();
+    QTest::newRow("flate, empty and damaged behind some content")
+        << storedAs(flate(""), withWrongChecksum(text)) << QByteArray();
+    QTest::newRow("flate, empty and cut short behind some content")
+        << storedAs(flate(""), deflated(text).chopped(1)) << QByteArray();
+    QTest::newRow("flate, empty and cut short behind much content")
+        << storedAs(flate(""), deflated(QByteArray(3 << 20, 'x')).chopped(1)) << QByteArray();
     QTest::newRow("flate, nothing at all") << storedAs(flate(""), "") << QByteArray();
 }
 
