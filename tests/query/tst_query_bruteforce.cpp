@@ -15,9 +15,9 @@ using tresk::ConjunctiveNormalForm;
 using tresk::Summary;
 using tresk::TreskFindQuery;
 using tresktest::ModelBindings;
+using tresktest::ModelCondition;
 using tresktest::ModelForm;
 using tresktest::ModelPlaces;
-using tresktest::ModelTree;
 using tresktest::QueryModel;
 using tresktest::RandomQuery;
 
@@ -53,15 +53,17 @@ QString found(const QString& query, const QList<Summary>& records)
     return found(TreskFindQuery(query), records);
 }
 
-bool holds(const QueryModel& model, const ModelTree& tree, const ModelPlaces& places)
+bool holds(const QueryModel& model, const ModelCondition& tree, const ModelPlaces& places)
 {
-    const auto childHolds = [&](const ModelTree& child) { return holds(model, child, places); };
+    const auto childHolds = [&](const ModelCondition& child) {
+        return holds(model, child, places);
+    };
     switch (tree.kind) {
-    case ModelTree::Literal:
+    case ModelCondition::Literal:
         return model.code(tree.literal, places) == 1;
-    case ModelTree::Not:
+    case ModelCondition::Not:
         return !childHolds(tree.children.at(0));
-    case ModelTree::And:
+    case ModelCondition::And:
         return std::all_of(tree.children.begin(), tree.children.end(), childHolds);
     default:
         return std::any_of(tree.children.begin(), tree.children.end(), childHolds);
@@ -145,7 +147,7 @@ void TestQueryBruteForce::conditionsInAllCombinations()
     QFETCH(const int, seed);
     RandomQuery random(static_cast<quint32>(seed));
     for (int i = 0; i < 150; ++i) {
-        const ModelTree tree = random.tree(false);
+        const ModelCondition tree = random.tree(false);
         const QString query = random.textOf(tree);
         const TreskFindQuery findQuery(query);
         const QStringList names = namesOf(tresktest::compile(query).form);
