@@ -4,6 +4,8 @@
 
 #include <QRandomGenerator>
 
+#include <algorithm>
+
 namespace tresktest {
 
 namespace {
@@ -46,6 +48,23 @@ const char* const textAttributes =
     "title comment tool filename filepurpose hash tagid filesize any user:project";
 
 } // namespace
+
+bool holds(const QueryModel& model, const ModelCondition& condition, const ModelPlaces& places)
+{
+    const auto childHolds = [&](const ModelCondition& child) {
+        return holds(model, child, places);
+    };
+    switch (condition.kind) {
+    case ModelCondition::Literal:
+        return model.code(condition.literal, places) == 1;
+    case ModelCondition::Not:
+        return !childHolds(condition.children.at(0));
+    case ModelCondition::And:
+        return std::all_of(condition.children.begin(), condition.children.end(), childHolds);
+    default:
+        return std::any_of(condition.children.begin(), condition.children.end(), childHolds);
+    }
+}
 
 RandomQuery::RandomQuery(quint32 seed)
     : m_below(

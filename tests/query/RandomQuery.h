@@ -20,6 +20,9 @@ struct ModelCondition {
     QList<ModelCondition> children;
 };
 
+/// Whether @p condition holds of the records in @p places.
+bool holds(const QueryModel& model, const ModelCondition& condition, const ModelPlaces& places);
+
 /// Makes records of few different values, and queries about them that are valid and have at most
 /// four names. The names of unnamed records are "@unnamed-1", "@unnamed-2", ... from left to right.
 class RandomQuery {
