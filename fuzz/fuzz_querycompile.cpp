@@ -95,27 +95,12 @@ void checkForm(const ConjunctiveNormalForm& form)
     TRESK_REQUIRE(literals <= mostLiterals);
 }
 
-QStringList textOfModel(const QList<ModelToken>& tokens)
-{
-    QStringList lines;
-    for (const ModelToken& token : tokens) {
-        QString content = QStringLiteral("operator(%1)").arg(token.op);
-        if (token.kind == ModelToken::Variable)
-            content = QStringLiteral("variable(%1,%2)").arg(token.name, token.attribute);
-        else if (token.kind == ModelToken::String)
-            content = QStringLiteral("string(%1)").arg(token.value);
-        lines += QStringLiteral("%1[%2]@%3")
-                     .arg(content, token.originalText, QString::number(token.position));
-    }
-    return lines;
-}
-
 void compareWithModel(const QString& query, const tresktest::CompiledQuery& compiled)
 {
     QList<QueryError> modelErrors;
     const QList<ModelToken> modelTokens = tresktest::modelTokenize(query, modelErrors);
     QList<QueryError> errors;
-    TRESK_REQUIRE(textOf(tresk::tokenize(query, errors)) == textOfModel(modelTokens));
+    TRESK_REQUIRE(textOf(tresk::tokenize(query, errors)) == textOf(modelTokens));
     int operands = 0;
     for (const ModelToken& token : modelTokens)
         operands += int(token.kind != ModelToken::Operator);
