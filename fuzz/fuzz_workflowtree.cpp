@@ -69,7 +69,7 @@ int checkTree(WorkflowTree& tree, int firstId, const QString& path)
         added.push_back(id);
     const std::vector<int> order = tresktest::tableOrder(added);
     TRESK_REQUIRE(std::equal(ids.begin(), ids.end(), order.begin(), order.end()));
-    const tresk::LinkedNodeIds linked = tree.nodeIdsLinked();
+    const auto linked = tree.nodeIdsLinked();
     TRESK_REQUIRE(std::equal(ids.begin(), ids.end(), linked.begin(), linked.end()));
 
     int children = int(tree.children(-1).size());
