@@ -134,6 +134,20 @@ ModelToken modelOperator(const QString& op, const QString& originalText, int pos
     return token;
 }
 
+QStringList textOf(const QList<ModelToken>& tokens)
+{
+    QStringList lines;
+    for (const ModelToken& token : tokens) {
+        QString content = str("operator(%1)").arg(token.op);
+        if (token.kind == ModelToken::Variable)
+            content = str("variable(%1,%2)").arg(token.name, token.attribute);
+        else if (token.kind == ModelToken::String)
+            content = str("string(%1)").arg(token.value);
+        lines += str("%1[%2]@%3").arg(content, token.originalText, QString::number(token.position));
+    }
+    return lines;
+}
+
 QString withoutSurrogates(QString text)
 {
     for (QChar& c : text) {

@@ -7,6 +7,7 @@
 #include <QList>
 #include <QSharedPointer>
 #include <QString>
+#include <QStringList>
 
 namespace tresktest {
 
@@ -49,6 +50,9 @@ QList<ModelToken> modelStructure(const QList<ModelToken>& tokens, QList<tresk::Q
 ModelNodePointer modelParse(const QString& query, const QList<ModelToken>& tokens);
 void modelCheckTypes(const ModelNodePointer& root, QList<tresk::QueryError>& errors);
 tresk::ConjunctiveNormalForm modelNormalForm(ModelNodePointer root);
+
+/// As the library's tokens are written.
+QStringList textOf(const QList<ModelToken>& tokens);
 
 /// @p text with a letter for each surrogate, for matchers that take well-formed texts only.
 QString withoutSurrogates(QString text);

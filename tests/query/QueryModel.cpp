@@ -42,10 +42,17 @@ QHash<QString, QString> fieldsOf(const tresk::Summary& step)
 {
     return {{QStringLiteral("hash"), step.md5Signature},
             {QStringLiteral("tagid"), QString::number(step.tagId)},
+            {QStringLiteral("treskrootfile"), step.treskRootFile},
             {QStringLiteral("timestamp"), step.timestamp},
             {QStringLiteral("title"), step.title},
+            {QStringLiteral("description"), step.description},
             {QStringLiteral("comment"), step.comment},
-            {QStringLiteral("tool"), step.tool}};
+            {QStringLiteral("command"), step.command},
+            {QStringLiteral("tool"), step.tool},
+            {QStringLiteral("toolpath"), step.toolPath},
+            {QStringLiteral("host"), step.host},
+            {QStringLiteral("user"), step.user},
+            {QStringLiteral("creator"), step.creator}};
 }
 
 /// What a file of @p step has.
@@ -53,14 +60,31 @@ QHash<QString, QString> fieldsOf(const tresk::FileSummary& file, const tresk::Su
 {
     return {{QStringLiteral("hash"), file.uncompressedMD5},
             {QStringLiteral("md5"), file.uncompressedMD5},
+            {QStringLiteral("cmd5"), file.compressedMD5},
             {QStringLiteral("tagid"), QString::number(file.tagId)},
             {QStringLiteral("parentid"), QString::number(step.tagId)},
             {QStringLiteral("filename"), file.filename},
+            {QStringLiteral("filepath"), file.filepath},
+            {QStringLiteral("filetype"), file.filetype},
+            {QStringLiteral("description"), file.description},
             {QStringLiteral("comment"), file.comment},
             {QStringLiteral("lastmodified"), file.lastModified},
             {QStringLiteral("filepurpose"), file.filePurpose},
             {QStringLiteral("filesize"), size(file.uncompressedSize)},
             {QStringLiteral("cfilesize"), size(file.compressedSize)}};
+}
+
+/// What a file or step has under names of its user's choice, a line for each.
+template <typename Record>
+QString userAttributesOf(const Record& record)
+{
+    QStringList lines;
+    for (const QString& name : record.userAttributeNames) {
+        const QString line = name + QLatin1Char('=') + record.userAttributes.value(name);
+        if (!lines.contains(line))
+            lines += line;
+    }
+    return lines.join(QLatin1Char('\n'));
 }
 
 /// The flags of a file; those of a step, where @p file is null, are all false but one.
@@ -78,20 +102,6 @@ QHash<QString, QString> flagsOf(const tresk::FileSummary* file)
 }
 
 } // namespace
-
-QStringList namesOf(const ModelForm& form)
-{
-    QStringList names;
-    for (const QList<ModelLiteral>& disjunction : form) {
-        for (const ModelLiteral& literal : disjunction) {
-            for (const ModelOperand& operand : {literal.left, literal.right}) {
-                if (operand.kind == ModelOperand::Attribute && !names.contains(operand.name))
-                    names += operand.name;
-            }
-        }
-    }
-    return names;
-}
 
 QueryModel::QueryModel(const QList<tresk::Summary>& summaries)
 {
@@ -119,6 +129,8 @@ QStringList QueryModel::valuesOf(const Record& record, const QString& attribute)
         const QString key = attribute.mid(5);
         return {own.contains(key) ? own.value(key) : record.step->userAttributes.value(key)};
     }
+    if (attribute == QLatin1String("userattrs"))
+        return {record.file ? userAttributesOf(*record.file) : userAttributesOf(*record.step)};
     const auto flags = flagsOf(record.file);
     return {flags.value(attribute, fields.value(attribute))};
 }

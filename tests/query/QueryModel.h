@@ -1,6 +1,8 @@
 #ifndef TRESK_TESTS_QUERYMODEL_H
 #define TRESK_TESTS_QUERYMODEL_H
 
+#include "ModelForm.h"
+
 #include <tresk/Summary.h>
 
 #include <QHash>
@@ -17,33 +19,9 @@
 /// Evaluates queries in the plainest way, without any of the library's stages.
 namespace tresktest {
 
-/// One side of a comparison.
-struct ModelOperand {
-    enum Kind {
-        Nothing, ///< what has no value, such as a condition in brackets
-        Text,
-        Attribute
-    };
-    Kind kind = Nothing;
-    QString text; ///< the text, or the name of the attribute
-    QString name; ///< of the record; one that begins with "@" may share it with others
-};
-
-/// A comparison or, where op is empty, a boolean attribute: the left side.
-struct ModelLiteral {
-    bool negated = false;
-    QString op;
-    ModelOperand left;
-    ModelOperand right;
-};
-
-using ModelForm = QList<QList<ModelLiteral>>;
 /// The record of each name, by its place in the list of records.
 using ModelPlaces = QHash<QString, int>;
 using ModelBindings = QHash<QString, QString>;
-
-/// The names of @p form in the order of their first appearance.
-QStringList namesOf(const ModelForm& form);
 
 class QueryModel {
 public:

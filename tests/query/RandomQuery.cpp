@@ -2,6 +2,10 @@
 
 #include "Records.h"
 
+#include <QRandomGenerator>
+
+#include <algorithm>
+
 namespace tresktest {
 
 namespace {
@@ -44,6 +48,34 @@ const char* const textAttributes =
     "title comment tool filename filepurpose hash tagid filesize any user:project";
 
 } // namespace
+
+bool holds(const QueryModel& model, const ModelCondition& condition, const ModelPlaces& places)
+{
+    const auto childHolds = [&](const ModelCondition& child) {
+        return holds(model, child, places);
+    };
+    switch (condition.kind) {
+    case ModelCondition::Literal:
+        return model.code(condition.literal, places) == 1;
+    case ModelCondition::Not:
+        return !childHolds(condition.children.at(0));
+    case ModelCondition::And:
+        return std::all_of(condition.children.begin(), condition.children.end(), childHolds);
+    default:
+        return std::any_of(condition.children.begin(), condition.children.end(), childHolds);
+    }
+}
+
+RandomQuery::RandomQuery(quint32 seed)
+    : m_below(
+        [random = QRandomGenerator(seed)](int count) mutable { return random.bounded(count); })
+{
+}
+
+RandomQuery::RandomQuery(const std::function<int(int)>& below)
+    : m_below(below)
+{
+}
 
 QString RandomQuery::oneOf(const char* words)
 {
@@ -188,21 +220,23 @@ ModelForm RandomQuery::form()
     return form;
 }
 
-ModelTree RandomQuery::tree(bool isNamed)
+ModelCondition RandomQuery::tree(bool isNamed)
 {
     startNames(isNamed);
     return treeOfDepth(number(0, 4));
 }
 
-ModelTree RandomQuery::treeOfDepth(int depth)
+ModelCondition RandomQuery::treeOfDepth(int depth)
 {
-    ModelTree tree;
+    ModelCondition tree;
     if (depth == 0 || oneIn(6)) {
         tree.literal = literal();
         return tree;
     }
-    tree.kind = oneIn(4) ? ModelTree::Not : oneIn(2) ? ModelTree::And : ModelTree::Or;
-    for (int i = tree.kind == ModelTree::Not ? 1 : 2; i > 0; --i)
+    tree.kind = oneIn(4) ? ModelCondition::Not
+        : oneIn(2)       ? ModelCondition::And
+                         : ModelCondition::Or;
+    for (int i = tree.kind == ModelCondition::Not ? 1 : 2; i > 0; --i)
         tree.children += treeOfDepth(depth - 1);
     return tree;
 }
@@ -254,15 +288,15 @@ QString RandomQuery::textOf(const ModelForm& form)
     return text;
 }
 
-QString RandomQuery::textOf(const ModelTree& tree)
+QString RandomQuery::textOf(const ModelCondition& tree)
 {
-    if (tree.kind == ModelTree::Literal)
+    if (tree.kind == ModelCondition::Literal)
         return textOf(tree.literal);
     const QString first = textOf(tree.children.at(0));
-    if (tree.kind == ModelTree::Not)
+    if (tree.kind == ModelCondition::Not)
         return utf8("!(%1)").arg(first);
     const QString second = textOf(tree.children.at(1));
-    const QString op = tree.kind == ModelTree::And ? utf8("&&") : utf8("||");
+    const QString op = tree.kind == ModelCondition::And ? utf8("&&") : utf8("||");
     return QStringList{utf8("("), first, op, second, utf8(")")}.join(QLatin1Char(' '));
 }
 

@@ -10,14 +10,14 @@
 #include <algorithm>
 
 using tresk::CNFLiteral;
-using tresk::CNFOperand;
 using tresk::ConjunctiveNormalForm;
 using tresk::Summary;
 using tresk::TreskFindQuery;
 using tresktest::ModelBindings;
+using tresktest::ModelCondition;
 using tresktest::ModelForm;
 using tresktest::ModelPlaces;
-using tresktest::ModelTree;
+using tresktest::namesOf;
 using tresktest::QueryModel;
 using tresktest::RandomQuery;
 
@@ -51,37 +51,6 @@ QString found(const TreskFindQuery& query, const QList<Summary>& records)
 QString found(const QString& query, const QList<Summary>& records)
 {
     return found(TreskFindQuery(query), records);
-}
-
-bool holds(const QueryModel& model, const ModelTree& tree, const ModelPlaces& places)
-{
-    const auto childHolds = [&](const ModelTree& child) { return holds(model, child, places); };
-    switch (tree.kind) {
-    case ModelTree::Literal:
-        return model.code(tree.literal, places) == 1;
-    case ModelTree::Not:
-        return !childHolds(tree.children.at(0));
-    case ModelTree::And:
-        return std::all_of(tree.children.begin(), tree.children.end(), childHolds);
-    default:
-        return std::any_of(tree.children.begin(), tree.children.end(), childHolds);
-    }
-}
-
-/// The names of @p form in the order of their first appearance.
-QStringList namesOf(const ConjunctiveNormalForm& form)
-{
-    QStringList names;
-    for (int i = 0; i < form.numDisjunctions(); ++i) {
-        for (int j = 0; j < form.disjunctionAt(i)->numLiterals(); ++j) {
-            const CNFLiteral& literal = *form.disjunctionAt(i)->literalAt(j);
-            for (const CNFOperand& operand : {literal.left(), literal.right()}) {
-                if (operand.isVariable() && !names.contains(operand.variableName()))
-                    names += operand.variableName();
-            }
-        }
-    }
-    return names;
 }
 
 /// A query whose normal form is @p form.
@@ -145,10 +114,10 @@ void TestQueryBruteForce::conditionsInAllCombinations()
     QFETCH(const int, seed);
     RandomQuery random(static_cast<quint32>(seed));
     for (int i = 0; i < 150; ++i) {
-        const ModelTree tree = random.tree(false);
+        const ModelCondition tree = random.tree(false);
         const QString query = random.textOf(tree);
         const TreskFindQuery findQuery(query);
-        const QStringList names = namesOf(tresktest::compile(query).form);
+        const QStringList names = namesOf(tresktest::modelFormOf(tresktest::compile(query).form));
         for (int j = 0; j < 3; ++j) {
             const QList<Summary> records = random.records();
             const QueryModel model(records);

@@ -8,7 +8,6 @@
 
 using tresktest::compile;
 using tresktest::CompiledQuery;
-using tresktest::ModelToken;
 using tresktest::str;
 using tresktest::textOf;
 
@@ -32,20 +31,6 @@ private:
 };
 
 namespace {
-
-QStringList textOfModel(const QList<ModelToken>& tokens)
-{
-    QStringList lines;
-    for (const ModelToken& token : tokens) {
-        QString content = str("operator(%1)").arg(token.op);
-        if (token.kind == ModelToken::Variable)
-            content = str("variable(%1,%2)").arg(token.name, token.attribute);
-        else if (token.kind == ModelToken::String)
-            content = str("string(%1)").arg(token.value);
-        lines += str("%1[%2]@%3").arg(content, token.originalText, QString::number(token.position));
-    }
-    return lines;
-}
 
 /// A name as it can be written, for one that cannot.
 QString writable(QString name)
@@ -124,7 +109,7 @@ QString written(const tresk::ConjunctiveNormalForm& form)
 bool TestQueryRandom::compare(const QString& query)
 {
     QList<tresk::QueryError> modelErrors;
-    const QStringList modelTokens = textOfModel(tresktest::modelTokenize(query, modelErrors));
+    const QStringList modelTokens = textOf(tresktest::modelTokenize(query, modelErrors));
     modelErrors.clear();
     const QStringList modelForm = textOf(tresktest::modelCompile(query, modelErrors));
 

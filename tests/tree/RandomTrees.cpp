@@ -1,5 +1,7 @@
 #include "RandomTrees.h"
 
+#include <QRandomGenerator>
+
 namespace tresktest {
 
 namespace {
@@ -12,6 +14,17 @@ constexpr int unusualParents[] = {-2, -3, 99};
 enum Kind { Usual, Alike, Odd, Fractions, Negative, KindCount };
 
 } // namespace
+
+RandomTrees::RandomTrees(quint32 seed)
+    : m_below(
+        [random = QRandomGenerator(seed)](int count) mutable { return random.bounded(count); })
+{
+}
+
+RandomTrees::RandomTrees(const std::function<int(int)>& below)
+    : m_below(below)
+{
+}
 
 ModelProblem RandomTrees::problem(int most)
 {
@@ -68,7 +81,7 @@ float RandomTrees::price(int kind)
     case Usual:
         return usualPrices[number(0, 6)];
     case Odd:
-        return float(m_random.generateDouble() * 40.0);
+        return float(number(0, 65535)) * 40.0F / 65536.0F;
     case Fractions:
         return 0.1F * float(number(0, 320));
     default:

@@ -3,7 +3,9 @@
 
 #include "SearchModel.h"
 
-#include <QRandomGenerator>
+#include <QtGlobal>
+
+#include <functional>
 
 namespace tresktest {
 
@@ -12,25 +14,24 @@ namespace tresktest {
 /// alike, odd or negative.
 class RandomTrees {
 public:
-    explicit RandomTrees(quint32 seed)
-        : m_random(seed)
-    {
-    }
+    explicit RandomTrees(quint32 seed);
+    /// Has @p below choose numbers from 0 to one less than its argument.
+    explicit RandomTrees(const std::function<int(int)>& below);
 
     /// Two trees of up to @p most nodes each.
     ModelProblem problem(int most);
     /// Two trees of 14 to 24 nodes, that have most of them in common.
     ModelProblem similarTrees();
 
-    int number(int from, int to) { return m_random.bounded(from, to + 1); }
+    int number(int from, int to) { return from + m_below(to - from + 1); }
 
 private:
-    bool oneIn(int count) { return m_random.bounded(count) == 0; }
+    bool oneIn(int count) { return m_below(count) == 0; }
     ModelTree tree(int nodes);
     float price(int kind);
     std::vector<std::vector<float>> prices();
 
-    QRandomGenerator m_random;
+    std::function<int(int)> m_below;
 };
 
 } // namespace tresktest
