@@ -1,4 +1,5 @@
 #include "Tools.h"
+#include "Watched.h"
 
 #include <QElapsedTimer>
 #include <QFile>
@@ -52,16 +53,11 @@ bool waitForContent(const QString& path, const QByteArray& bytes)
     return false;
 }
 
-/// What makes the shell limit the memory of what it runs, in KiB; nothing with sanitizers, which
-/// take whatever there is.
+/// What makes the shell limit the memory of what it runs, in KiB; nothing where sanitizers or
+/// valgrind watch it, which take whatever there is.
 QString memoryLimit(int kibibytes)
 {
-#ifdef TRESK_SANITIZED
-    Q_UNUSED(kibibytes)
-    return {};
-#else
-    return QStringLiteral("ulimit -v %1; ").arg(kibibytes);
-#endif
+    return isWatched() ? QString() : QStringLiteral("ulimit -v %1; ").arg(kibibytes);
 }
 
 const char* const waitForGo = "while [ ! -e go ]; do sleep 0.01; done\n";

@@ -1,5 +1,6 @@
 #include "ArgfileModel.h"
 #include "TokenText.h"
+#include "Watched.h"
 
 #include <QRandomGenerator>
 
@@ -9,6 +10,7 @@
 using tresk::ArgfileParser;
 using tresk::ArgfileToken;
 using tresktest::ArgfileModelToken;
+using tresktest::isWatched;
 using tresktest::parsed;
 using tresktest::text;
 using tresktest::VariableTable;
@@ -37,12 +39,7 @@ private Q_SLOTS:
 
 namespace {
 
-#ifdef TRESK_SANITIZED
-constexpr int longest =
-    5; // of the texts of which all are tried; sanitizers take several times as long
-#else
-constexpr int longest = 6;
-#endif
+const int longest = isWatched() ? 5 : 6; // of the texts of which all are tried
 
 using Property = std::function<bool(const QString& content)>;
 

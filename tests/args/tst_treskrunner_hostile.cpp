@@ -1,4 +1,5 @@
 #include "Runners.h"
+#include "Watched.h"
 
 #include <tresk/TreskaddRunner.h>
 #include <tresk/TreskdelRunner.h>
@@ -15,6 +16,7 @@ using tresk::TreskdelRunner;
 using tresk::TreskRunner;
 using tresktest::exitMessage;
 using tresktest::inPieces;
+using tresktest::isWatched;
 using tresktest::out;
 using tresktest::RunnerLog;
 using tresktest::standIn;
@@ -22,12 +24,6 @@ using tresktest::text;
 using tresktest::ToolFolder;
 
 namespace {
-
-#ifdef TRESK_SANITIZED
-const bool sanitized = true; // which takes several times as long and as much memory
-#else
-const bool sanitized = false;
-#endif
 
 /// A value of this process in /proc, in KiB; -1 where there is none.
 qint64 statusValue(const QByteArray& name)
@@ -139,13 +135,13 @@ void TestTreskRunnerHostile::manyLines()
     QVERIFY(inOrder);
     QCOMPARE(next, count);
     QCOMPARE(text("0 ") + last, exitMessage(0));
-    // With sanitizers, memory that is free is kept.
-    QVERIFY2(sanitized || growth < 64 * 1024, QByteArray::number(growth).constData());
+    // Where it is watched, memory that is free is kept.
+    QVERIFY2(isWatched() || growth < 64 * 1024, QByteArray::number(growth).constData());
 }
 
 void TestTreskRunnerHostile::noLineBreaks()
 {
-    const int count = sanitized ? 20000000 : 200000000;
+    const int count = isWatched() ? 20000000 : 200000000;
     int whole = 0;
     QStringList others;
     QObject context;
@@ -295,7 +291,7 @@ void TestTreskRunnerHostile::noDescriptorsAreLeft()
     QCOMPARE(m_runner.runProcess(QString()), 0); // Some are kept for good.
     const int before = openDescriptors();
     QVERIFY(before > 0);
-    const int runs = sanitized ? 300 : 1000;
+    const int runs = isWatched() ? 300 : 1000;
     for (int i = 0; i < runs; i += 2) {
         QCOMPARE(m_runner.runProcess(text("input")), 0);
         QCOMPARE(other.runProcess(text("request")), 0);

@@ -1,5 +1,6 @@
 #include "MessageCapture.h"
 #include "RandomPairings.h"
+#include "Watched.h"
 
 #include <tresk/Dijkstra.h>
 
@@ -21,6 +22,7 @@ using tresk::FoundPaths;
 using tresk::Path;
 using tresk::SecondTree;
 using tresktest::ComparedTrees;
+using tresktest::isWatched;
 using tresktest::MessageCapture;
 using tresktest::ModelProblem;
 using tresktest::Prices;
@@ -381,9 +383,8 @@ void TestPairingSearch::sumsThatAreRounded()
 
 void TestPairingSearch::noMoreResultsThanCanBeKept()
 {
-#ifdef TRESK_SANITIZED
-    QSKIP("the sanitizers make this much longer");
-#endif
+    if (isWatched())
+        QSKIP("this takes much longer where it is watched");
     // There are far more pairings than that.
     ModelProblem problem;
     problem.tree1 = {0, std::vector<int>(30, -1), std::vector<int>(30, 0)};
@@ -403,9 +404,8 @@ void TestPairingSearch::noMoreResultsThanCanBeKept()
 
 void TestPairingSearch::nothingIsSureOfTheLowestPriority()
 {
-#ifdef TRESK_SANITIZED
-    QSKIP("the sanitizers make this much longer");
-#endif
+    if (isWatched())
+        QSKIP("this takes much longer where it is watched");
     // All pairings have it, and there are more than can be kept.
     ModelProblem problem;
     problem.tree1 = {0, std::vector<int>(30, -1), std::vector<int>(30, 0)};

@@ -1,0 +1,21 @@
+#ifndef TRESK_TESTS_WATCHED_H
+#define TRESK_TESTS_WATCHED_H
+
+#include <QtGlobal>
+
+namespace tresktest {
+
+/// Whether sanitizers or valgrind watch what runs, which then takes many times as long and
+/// much more memory: what measures either is to be left out, and rounds are to be fewer.
+inline bool isWatched()
+{
+#ifdef TRESK_SANITIZED
+    return true;
+#else
+    return qEnvironmentVariableIsSet("TRESK_VALGRIND");
+#endif
+}
+
+} // namespace tresktest
+
+#endif
