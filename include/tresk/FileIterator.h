@@ -120,7 +120,6 @@ private:
     bool getPrevBuffer(int overlap = 0);
     bool getLastBuffer();
     bool searchForwards();
-    void takeUpTo(int end);
     bool searchBackwards();
 
     std::unique_ptr<QFile> m_file;

@@ -239,7 +239,12 @@ bool FileIterator::moveCursor(qint64 pos)
 bool FileIterator::readInto(QByteArray& bytes, qint64 pos, int len)
 {
     len = std::min(len, longestArray);
-    bytes.resize(len);
+    if (len <= bytes.capacity()) {
+        bytes.resize(len);
+    } else { // Making the array larger could make room for twice as much.
+        bytes.clear();
+        bytes = QByteArray(len, Qt::Uninitialized);
+    }
     const qint64 count = reopen() && m_file->seek(pos) ? m_file->read(bytes.data(), len) : -1;
     m_readFailed = m_readFailed || (m_file && count < 0);
     bytes.truncate(int(std::max<qint64>(count, 0)));
@@ -314,27 +319,23 @@ bool FileIterator::searchForwards()
     m_lineStart = int(cursorPos());
     if (reachedEnd())
         return false;
-    m_line.clear();
-    std::size_t feed = npos;
-    while ((feed = findLineFeed(view(m_buffer), std::size_t(m_cursor))) == npos) {
-        takeUpTo(int(m_buffer.size()));
-        if (!getNextBuffer())
-            return true;
+    const qint64 start = cursorPos();
+    const auto feedBehindCursor = [this] {
+        return findLineFeed(view(m_buffer), std::size_t(m_cursor));
+    };
+    std::size_t feed = feedBehindCursor();
+    if (feed != npos) { // without room to grow: most lines are whole
+        m_line = QByteArray(m_buffer.constData() + m_cursor, int(feed) + 1 - m_cursor);
+        m_cursor = int(feed) + 1;
+        return true;
     }
-    takeUpTo(int(feed) + 1);
+    while (feed == npos && getNextBuffer())
+        feed = feedBehindCursor();
+    if (feed != npos)
+        m_cursor = int(feed) + 1;
+    // Slices put behind each other would take up to twice the memory.
+    readInto(m_line, start, int(std::min<qint64>(cursorPos() - start, longestArray)));
     return true;
-}
-
-/// Moves the cursor to @p end within the slice and what it passes to the end of the line.
-void FileIterator::takeUpTo(int end)
-{
-    const char* const bytes = m_buffer.constData() + m_cursor;
-    const int count = std::min(end - m_cursor, longestArray - int(m_line.size()));
-    if (m_line.isEmpty())
-        m_line = QByteArray(bytes, count); // without room to grow: most lines are whole
-    else
-        m_line.append(bytes, count);
-    m_cursor = end;
 }
 
 bool FileIterator::searchBackwards()

@@ -161,6 +161,7 @@ QByteArray makeValidationTag(const QByteArray& line, const QString& md5)
     // Not QByteArray::replace(): where the replacement is longer, as it is for a checksum that
     // was left empty, it moves the rest of the line again and again.
     QByteArray tag;
+    tag.reserve(int(line.size())); // all that is needed as a rule, where growing may take twice it
     qsizetype from = 0;
     for (;;) {
         const std::size_t hit = findText(view(line).substr(std::size_t(from)), view(written));

@@ -38,6 +38,21 @@ Range blockOf(const FileTag& file)
     return {file.pos, qint64(file.pos) + file.tagLength + file.blocksize};
 }
 
+void share(QString& text, const QString& other)
+{
+    if (text == other)
+        text = other;
+}
+
+/// Texts that recur from section to section are held in memory once.
+void shareTexts(SectionTag& section, const SectionTag& newer)
+{
+    share(section.version, newer.version);
+    share(section.creator, newer.creator);
+    share(section.title, newer.title);
+    share(section.md5section, newer.previousmd5);
+}
+
 } // namespace
 
 TreskParser::TreskParser(ParseMode mode, QObject* listener)
@@ -170,6 +185,8 @@ void TreskParser::readSections()
     while (section && !seen.contains(section->pos)) {
         seen.insert(section->pos);
         section->id = int(m_sections.size());
+        if (!m_sections.isEmpty())
+            shareTexts(*section, m_sections.constLast());
         m_sections.append(*section);
         section = findPrevSection(*section);
     }
