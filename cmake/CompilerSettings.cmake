@@ -19,6 +19,16 @@ if(TRESK_SANITIZE)
     add_compile_definitions(QT_FORCE_ASSERTS)
 endif()
 
+# What the library is compiled with, and what tests compile of it once more. Every process adds to
+# the counts of those before, whatever its environment, in one file for each program and library.
+set(tresk_coverage_compile_options)
+set(tresk_coverage_link_options)
+if(TRESK_COVERAGE)
+    set(tresk_coverage_compile_options
+        -fprofile-instr-generate=${PROJECT_BINARY_DIR}/profiles/%m.profraw -fcoverage-mapping)
+    set(tresk_coverage_link_options -fprofile-instr-generate)
+endif()
+
 if(TRESK_BUILD_FUZZERS)
     # Tells libFuzzer which code an input reaches; harmless in what is not a fuzz target.
     add_compile_options(-fsanitize=fuzzer-no-link)
