@@ -333,6 +333,8 @@ bool FileIterator::searchForwards()
         feed = feedBehindCursor();
     if (feed != npos)
         m_cursor = int(feed) + 1;
+    if (cursorPos() == start) // the file has become shorter
+        return false;
     // Slices put behind each other would take up to twice the memory.
     readInto(m_line, start, int(std::min<qint64>(cursorPos() - start, longestArray)));
     return true;

@@ -1,3 +1,4 @@
+#include "../tree/ProcessLimit.h"
 #include "TestFiles.h"
 
 #include <tresk/FileIterator.h>
@@ -9,6 +10,7 @@
 #include <limits>
 
 using tresk::FileIterator;
+using tresktest::ProcessLimit;
 using tresktest::TestDir;
 
 namespace {
@@ -68,6 +70,9 @@ private Q_SLOTS:
     void bytes();
     void bytesLeaveTheLineAlone();
     void bytesOfShrunkFile();
+    void linesOfShrunkFile();
+    void lineThatShrinks();
+    void noDescriptorLeft();
     void largestFile();
     void sizes();
     void onLineIsAlwaysFalse();
@@ -592,6 +597,49 @@ void TestFileIterator::bytesOfShrunkFile()
     QVERIFY(QFile::resize(m_dir.path(QStringLiteral("file")), 50));
     QCOMPARE(m_iterator->getBytes(40, 20), QByteArray(10, 'x'));
     QCOMPARE(m_iterator->getBytes(60, 20), QByteArray());
+}
+
+void TestFileIterator::linesOfShrunkFile()
+{
+    QByteArray bytes;
+    for (int i = 10000; i < 20000; ++i)
+        bytes += QByteArray::number(i) + '\n';
+    QVERIFY(open(bytes));
+    QVERIFY(QFile::resize(m_dir.path(QStringLiteral("file")), 30000));
+    // What is gone cannot be gone to, and nothing is made up.
+    QVERIFY(!m_iterator->gotoPos(45000));
+    QVERIFY(!m_iterator->lastLine());
+    QVERIFY(m_iterator->gotoPos(18000));
+    QCOMPARE(*m_iterator->curLine(), QByteArray("13000\n"));
+    QCOMPARE(m_iterator->getFileSize(), qint64(60000));
+
+    QVERIFY(QFile::resize(m_dir.path(QStringLiteral("file")), 0));
+    QVERIFY(!m_iterator->gotoPos(40000));
+    QVERIFY(!m_iterator->firstLine());
+    QVERIFY(!m_iterator->lastLine());
+}
+
+/// The end of a long line is found, and then the line is read: it may have become shorter by then.
+void TestFileIterator::lineThatShrinks()
+{
+    const QByteArray line(100000, 'a');
+    QVERIFY(open("first\n" + line + "\nlast\n"));
+    QVERIFY(QFile::resize(m_dir.path(QStringLiteral("file")), 50000));
+    QVERIFY(m_iterator->nextLine());
+    QCOMPARE(*m_iterator->curLine(), line.left(50000 - 6));
+    QVERIFY(!m_iterator->nextLine());
+}
+
+void TestFileIterator::noDescriptorLeft()
+{
+    const QString path = m_dir.write(QStringLiteral("file"), "line\n");
+    {
+        const ProcessLimit none(RLIMIT_NOFILE, tresktest::lowestFreeDescriptor());
+        QVERIFY(!m_iterator->open(path));
+    }
+    QVERIFY(m_iterator->empty());
+    QVERIFY(!m_iterator->nextLine());
+    QVERIFY(m_iterator->open(path));
 }
 
 void TestFileIterator::largestFile()
