@@ -106,9 +106,9 @@ QSharedPointer<QByteArray> TreskParser::getCompressedFile(int i)
 QSharedPointer<QByteArray> TreskParser::getFileContent(int i)
 {
     const QSharedPointer<FileTag> file = getFile(i);
-    QSharedPointer<QByteArray> stored = getCompressedFile(i);
-    if (!file || !stored)
+    if (!file)
         return {};
+    QSharedPointer<QByteArray> stored = getCompressedFile(i);
     if (file->compression == none)
         return stored;
     if (file->compression != flate)

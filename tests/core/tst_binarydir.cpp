@@ -24,7 +24,7 @@ QString binaryDirOf(const QString& program, const QString& workingDirectory = QS
     QProcess process;
     process.setWorkingDirectory(workingDirectory);
     process.start(program, {printOption});
-    if (!process.waitForFinished() || process.exitCode() != 0)
+    if (!process.waitForFinished(60000) || process.exitCode() != 0)
         return QStringLiteral("the program could not be run");
     return QString::fromUtf8(process.readAllStandardOutput());
 }

@@ -3,6 +3,7 @@
 #include "SummaryText.h"
 #include "SummaryXml.h"
 
+#include <QLoggingCategory>
 #include <QTest>
 
 using tresk::FileTag;
@@ -89,6 +90,7 @@ private Q_SLOTS:
     void newestThatReachesBack();
     void twoStepsInOneDocument();
     void linesInOrder();
+    void categoryCanBeSwitchedOff();
     void contentOutsideTheDocument();
 };
 
@@ -255,6 +257,20 @@ void TestSummaryMismatch::linesInOrder()
     QCOMPARE(expected.count(latin1("foundMismatch")), 3);
     QCOMPARE(expected.at(2), latin1("  Filename \"b\""));
     QCOMPARE(capture.count(QtDebugMsg, "tresk"), 2 * 3 * 21);
+}
+
+void TestSummaryMismatch::categoryCanBeSwitchedOff()
+{
+    DocumentWriter document = newDocument();
+    document.writeSection(stepWith({file("a"), summaryWithoutStep()}));
+    OpenedDocument opened(document);
+    const MessageCapture capture;
+    QLoggingCategory::setFilterRules(latin1("tresk.debug=false"));
+    opened.summaries();
+    QLoggingCategory::setFilterRules(QString());
+    QCOMPARE(tresktest::debugLines(capture), QStringList());
+    opened.summaries();
+    QVERIFY(tresktest::debugLines(capture).contains(latin1("foundMismatch")));
 }
 
 void TestSummaryMismatch::contentOutsideTheDocument()
