@@ -2,6 +2,7 @@
 #include "Documents.h"
 #include "Search.h"
 #include "SummaryXml.h"
+#include "Watched.h"
 
 #include <TestFiles.h>
 
@@ -89,9 +90,8 @@ FileSpec summaryOfZeros(qint64 size)
 Command withLittleMemory(const QStringList& arguments)
 {
     Command command(arguments);
-#ifndef TRESK_SANITIZED // sanitizers take any amount of addresses
-    command.inShell(text("ulimit -v 1000000; exec \"$@\""));
-#endif
+    if (!isWatched()) // what watches takes any amount of addresses
+        command.inShell(text("ulimit -v 1000000; exec \"$@\""));
     return command;
 }
 

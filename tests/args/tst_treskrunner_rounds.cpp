@@ -1,4 +1,5 @@
 #include "Runners.h"
+#include "Watched.h"
 
 #include <tresk/TreskaddRunner.h>
 
@@ -19,6 +20,7 @@ using tresk::TreskaddRunner;
 using tresk::TreskRunner;
 using tresktest::exitMessage;
 using tresktest::inPieces;
+using tresktest::isWatched;
 using tresktest::out;
 using tresktest::RunnerLog;
 using tresktest::standIn;
@@ -177,11 +179,7 @@ void TestTreskRunnerRounds::rounds()
         objects.back()->setSearchPaths({m_tools.relative()});
     }
     const std::vector<Misbehaviour> all = misbehaviours(m_tools.path(text("lock")));
-#ifdef TRESK_SANITIZED
-    const int rounds = 10;
-#else
-    const int rounds = 30;
-#endif
+    const int rounds = isWatched() ? 10 : 30;
     const int warmUp = 5; // until memory is as large as it gets
     size_t next = 0;
     qint64 memory = 0;
@@ -198,10 +196,9 @@ void TestTreskRunnerRounds::rounds()
         if (round == warmUp)
             memory = residentMemory();
     }
-#ifndef TRESK_SANITIZED // which keep memory that is free
+    // What watches keeps memory that is free.
     const qint64 growth = residentMemory() - memory;
-    QVERIFY2(growth < 4 * 1024, QByteArray::number(growth).constData());
-#endif
+    QVERIFY2(isWatched() || growth < 4 * 1024, QByteArray::number(growth).constData());
 }
 
 QTEST_GUILESS_MAIN(TestTreskRunnerRounds)

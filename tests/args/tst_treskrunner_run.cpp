@@ -1,4 +1,5 @@
 #include "Runners.h"
+#include "Watched.h"
 
 #include <tresk/TreskaddRunner.h>
 #include <tresk/TreskdelRunner.h>
@@ -18,6 +19,7 @@ using tresk::TreskRunner;
 using tresktest::err;
 using tresktest::exitMessage;
 using tresktest::inPieces;
+using tresktest::isUnderValgrind;
 using tresktest::out;
 using tresktest::RunnerLog;
 using tresktest::standIn;
@@ -126,6 +128,8 @@ void TestTreskRunnerRun::requestIsOneArgument()
 
 void TestTreskRunnerRun::requestTooLong()
 {
+    if (isUnderValgrind())
+        QSKIP("valgrind ends where a program cannot be started");
     // For the system.
     const RunnerLog log(m_del);
     QCOMPARE(m_del.runProcess(QString(10000000, QLatin1Char('x'))), -1001);

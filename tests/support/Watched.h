@@ -5,6 +5,12 @@
 
 namespace tresktest {
 
+/// Whether valgrind watches this process: one that it starts cannot fail to become a program.
+inline bool isUnderValgrind()
+{
+    return qEnvironmentVariableIsSet("TRESK_VALGRIND");
+}
+
 /// Whether sanitizers or valgrind watch what runs, which then takes many times as long and
 /// much more memory: what measures either is to be left out, and rounds are to be fewer.
 inline bool isWatched()
@@ -12,7 +18,7 @@ inline bool isWatched()
 #ifdef TRESK_SANITIZED
     return true;
 #else
-    return qEnvironmentVariableIsSet("TRESK_VALGRIND");
+    return isUnderValgrind();
 #endif
 }
 
