@@ -40,8 +40,8 @@ public:
     /// of the record with which the query was found to hold: "wfs:STEP" or "file:STEP:FILE" with
     /// the step's index in SummaryCreator::createSummaries() and the file's in Workflowstep::files.
     /// Of several answers it is the first: names in the order of their first appearance in the
-    /// query, records in that of the summaries, each step in front of its files. Otherwise
-    /// @p bindings does not change.
+    /// normal form of the query, records in that of the summaries, each step in front of its files.
+    /// Otherwise @p bindings does not change.
     bool matches(TreskParser& parser, QHash<QString, QString>* bindings = nullptr) const;
     /// The same for @p summaries, those of a document.
     bool matches(const QList<Summary>& summaries,

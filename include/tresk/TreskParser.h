@@ -91,7 +91,8 @@ public:
     /// may lack something then. Also after an open() that has failed: whether that is why.
     bool readFailed() const;
 
-    /// All sections, newest first: a section's id is its index.
+    /// Copies of all sections, newest first: a section's id is its index. Where there are very
+    /// many, they take more memory than the parser itself; getSection() gives them one by one.
     QList<SectionTag> getSections() const;
     /// All embedded files in the order of the document: a file's id is its index.
     QList<FileTag> getFiles() const;
@@ -154,7 +155,7 @@ private:
     QByteArray readRange(qint64 pos, int len);
 
     FileIterator m_iterator;
-    QList<SectionTag> m_sections;
+    QList<SectionTag> m_sections; ///< most without their validation tags, which are made anew
     QList<FileTag> m_files;
     ParseMode m_mode;
 };

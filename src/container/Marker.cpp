@@ -152,6 +152,27 @@ std::optional<FileTag> readFileMarker(std::string_view text)
     return tag;
 }
 
+QByteArray usualMarkerLine(const SectionTag& section)
+{
+    QByteArray line = sectionStart;
+    const auto add = [&line](const char* key, const QByteArray& value) {
+        line.append(key).append(value).append(']');
+    };
+    const auto number = [](int value) {
+        return value < 0 ? QByteArray() : QByteArray::number(value);
+    };
+    add(" [version:", section.version.toUtf8());
+    add("[creator:", section.creator.toUtf8());
+    add("[title:", section.title.toUtf8());
+    add("[left:", number(section.left));
+    add("[size:", number(section.size));
+    add("[index:", number(section.index));
+    add("[md5section:", section.md5section.toLatin1());
+    add("[previousmd5:", section.previousmd5.toLatin1());
+    add("[previousmarker:", number(section.previousmarker));
+    return line.append("-->\n");
+}
+
 QByteArray makeValidationTag(const QByteArray& line, const QString& md5)
 {
     const QByteArray key = QByteArrayLiteral("[md5section:");

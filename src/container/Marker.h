@@ -27,6 +27,10 @@ std::optional<SectionTag> readSectionMarker(std::string_view text);
 /// Reads the marker of an embedded file likewise.
 std::optional<FileTag> readFileMarker(std::string_view text);
 
+/// The line of @p section as it is written as a rule: the marker alone, numbers without zeros in
+/// front, and a line feed.
+QByteArray usualMarkerLine(const SectionTag& section);
+
 /// What a section's checksum covers in place of the marker line behind its first byte: the
 /// whole @p line without that byte, every occurrence of the checksum @p md5 zeroed.
 QByteArray makeValidationTag(const QByteArray& line, const QString& md5);

@@ -15,6 +15,7 @@ namespace {
 
 constexpr qint64 largestDocument = std::numeric_limits<int>::max();
 constexpr int headerLines = 10;
+constexpr int longestUsualLine = 4096;
 // Where a previous section is not in its place, tolerant reading looks at the lines around it.
 constexpr int linesBack = 5;
 constexpr int linesSearched = 10;
@@ -43,6 +44,47 @@ void share(QString& text, const QString& other)
     if (text == other)
         text = other;
 }
+
+/// The validation tag of @p section, whose marker stands on @p line. Null where the section says it
+/// all, as nearly all do: the tag would take as much memory as the rest of the record.
+QByteArray tagToKeep(const SectionTag& section, const QByteArray& line)
+{
+    if (line.size() <= longestUsualLine && line == usualMarkerLine(section))
+        return {};
+    const QByteArray tag = makeValidationTag(line, section.md5section);
+    return tag.isNull() ? QByteArray("") : tag;
+}
+
+/// Gives @p section, one of the parser's, its validation tag if that was not kept.
+void completeTag(SectionTag& section)
+{
+    if (section.validationTag.isNull())
+        section.validationTag = makeValidationTag(usualMarkerLine(section), section.md5section);
+}
+
+/// The positions of a chain of sections. As a rule each is in front of all before it, so that
+/// there is nothing to remember but the last.
+class ChainPositions {
+public:
+    /// Adds @p pos to those of @p sections; false if it is there already.
+    bool add(int pos, const QList<SectionTag>& sections)
+    {
+        if (pos >= m_first && m_seen.isEmpty()) {
+            for (const SectionTag& section : sections)
+                m_seen.insert(section.pos);
+        }
+        if (pos >= m_first && m_seen.contains(pos))
+            return false;
+        m_first = std::min(m_first, pos);
+        if (!m_seen.isEmpty())
+            m_seen.insert(pos);
+        return true;
+    }
+
+private:
+    int m_first = std::numeric_limits<int>::max();
+    QSet<int> m_seen; ///< empty as long as it is not needed
+};
 
 /// Texts that recur from section to section are held in memory once.
 void shareTexts(SectionTag& section, const SectionTag& newer)
@@ -86,7 +128,10 @@ bool TreskParser::readFailed() const
 
 QList<SectionTag> TreskParser::getSections() const
 {
-    return m_sections;
+    QList<SectionTag> sections = m_sections;
+    for (SectionTag& section : sections)
+        completeTag(section);
+    return sections;
 }
 
 QList<FileTag> TreskParser::getFiles() const
@@ -108,7 +153,9 @@ QSharedPointer<SectionTag> TreskParser::getSection(int i) const
 {
     if (i < 0 || i >= m_sections.size())
         return {};
-    return QSharedPointer<SectionTag>::create(m_sections.at(i));
+    const auto section = QSharedPointer<SectionTag>::create(m_sections.at(i));
+    completeTag(*section);
+    return section;
 }
 
 QSharedPointer<FileTag> TreskParser::getFile(int i) const
@@ -180,10 +227,9 @@ bool TreskParser::headerFound()
 
 void TreskParser::readSections()
 {
-    QSet<int> seen; // a chain that leads back into itself ends there
+    ChainPositions positions; // a chain that leads back into itself ends there
     std::optional<SectionTag> section = findLastSection();
-    while (section && !seen.contains(section->pos)) {
-        seen.insert(section->pos);
+    while (section && positions.add(section->pos, m_sections)) {
         section->id = int(m_sections.size());
         if (!m_sections.isEmpty())
             shareTexts(*section, m_sections.constLast());
@@ -237,7 +283,7 @@ std::optional<SectionTag> TreskParser::parseSection(bool anywhere) const
     std::optional<SectionTag> section = readSectionMarker(text->substr(start));
     if (section) {
         section->pos = m_iterator.curPos() + 1;
-        section->validationTag = makeValidationTag(*line, section->md5section);
+        section->validationTag = tagToKeep(*section, *line);
     }
     return section;
 }
