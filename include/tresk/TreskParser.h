@@ -10,9 +10,12 @@
 #include <QSharedPointer>
 #include <QString>
 
+#include <memory>
 #include <optional>
 
 namespace tresk {
+
+class SectionStore;
 
 /// How exactly section markers must stand where they are expected.
 enum ParseMode {
@@ -149,13 +152,12 @@ private:
     std::optional<SectionTag> parseSection(bool anywhere) const;
     void findFiles();
     std::optional<FileTag> parseFile() const;
-    static bool fileInSection(const FileTag& file, const SectionTag& section);
     void gotoPos(qint64 pos);
     QSharedPointer<QByteArray> getCompressedFile(int i);
     QByteArray readRange(qint64 pos, int len);
 
     FileIterator m_iterator;
-    QList<SectionTag> m_sections; ///< most without their validation tags, which are made anew
+    std::unique_ptr<SectionStore> m_sections;
     QList<FileTag> m_files;
     ParseMode m_mode;
 };

@@ -2,6 +2,7 @@
 
 #include "container/ByteSearch.h"
 #include "container/Marker.h"
+#include "container/SectionStore.h"
 
 #include <QSet>
 
@@ -15,7 +16,6 @@ namespace {
 
 constexpr qint64 largestDocument = std::numeric_limits<int>::max();
 constexpr int headerLines = 10;
-constexpr int longestUsualLine = 4096;
 // Where a previous section is not in its place, tolerant reading looks at the lines around it.
 constexpr int linesBack = 5;
 constexpr int linesSearched = 10;
@@ -28,10 +28,10 @@ struct Range {
     qint64 end;
 };
 
-Range regionOf(const SectionTag& section)
+Range regionOf(const SectionStore& sections, int i)
 {
-    const qint64 begin = qint64(section.pos) - section.left;
-    return {begin, begin + section.size};
+    const qint64 begin = qint64(sections.positionOf(i)) - sections.leftOf(i);
+    return {begin, begin + sections.sizeOf(i)};
 }
 
 Range blockOf(const FileTag& file)
@@ -39,39 +39,16 @@ Range blockOf(const FileTag& file)
     return {file.pos, qint64(file.pos) + file.tagLength + file.blocksize};
 }
 
-void share(QString& text, const QString& other)
-{
-    if (text == other)
-        text = other;
-}
-
-/// The validation tag of @p section, whose marker stands on @p line. Null where the section says it
-/// all, as nearly all do: the tag would take as much memory as the rest of the record.
-QByteArray tagToKeep(const SectionTag& section, const QByteArray& line)
-{
-    if (line.size() <= longestUsualLine && line == usualMarkerLine(section))
-        return {};
-    const QByteArray tag = makeValidationTag(line, section.md5section);
-    return tag.isNull() ? QByteArray("") : tag;
-}
-
-/// Gives @p section, one of the parser's, its validation tag if that was not kept.
-void completeTag(SectionTag& section)
-{
-    if (section.validationTag.isNull())
-        section.validationTag = makeValidationTag(usualMarkerLine(section), section.md5section);
-}
-
 /// The positions of a chain of sections. As a rule each is in front of all before it, so that
 /// there is nothing to remember but the last.
 class ChainPositions {
 public:
     /// Adds @p pos to those of @p sections; false if it is there already.
-    bool add(int pos, const QList<SectionTag>& sections)
+    bool add(int pos, const SectionStore& sections)
     {
         if (pos >= m_first && m_seen.isEmpty()) {
-            for (const SectionTag& section : sections)
-                m_seen.insert(section.pos);
+            for (int i = 0; i < sections.size(); ++i)
+                m_seen.insert(sections.positionOf(i));
         }
         if (pos >= m_first && m_seen.contains(pos))
             return false;
@@ -86,19 +63,16 @@ private:
     QSet<int> m_seen; ///< empty as long as it is not needed
 };
 
-/// Texts that recur from section to section are held in memory once.
-void shareTexts(SectionTag& section, const SectionTag& newer)
+bool liesIn(const Range& block, const Range& region)
 {
-    share(section.version, newer.version);
-    share(section.creator, newer.creator);
-    share(section.title, newer.title);
-    share(section.md5section, newer.previousmd5);
+    return region.begin <= block.begin && region.end >= block.end;
 }
 
 } // namespace
 
 TreskParser::TreskParser(ParseMode mode, QObject* listener)
     : LogSource(listener)
+    , m_sections(std::make_unique<SectionStore>())
     , m_mode(mode)
 {
 }
@@ -107,7 +81,7 @@ TreskParser::~TreskParser() = default;
 
 bool TreskParser::open(const QString& path)
 {
-    m_sections.clear();
+    m_sections->clear();
     m_files.clear();
     if (!m_iterator.open(path) || m_iterator.getFileSize() > largestDocument || !headerFound())
         return false;
@@ -128,9 +102,10 @@ bool TreskParser::readFailed() const
 
 QList<SectionTag> TreskParser::getSections() const
 {
-    QList<SectionTag> sections = m_sections;
-    for (SectionTag& section : sections)
-        completeTag(section);
+    QList<SectionTag> sections;
+    sections.reserve(m_sections->size());
+    for (int i = 0; i < m_sections->size(); ++i)
+        sections.append(m_sections->at(i));
     return sections;
 }
 
@@ -141,7 +116,7 @@ QList<FileTag> TreskParser::getFiles() const
 
 int TreskParser::getNumSections() const
 {
-    return int(m_sections.size());
+    return m_sections->size();
 }
 
 int TreskParser::getNumFiles() const
@@ -151,11 +126,9 @@ int TreskParser::getNumFiles() const
 
 QSharedPointer<SectionTag> TreskParser::getSection(int i) const
 {
-    if (i < 0 || i >= m_sections.size())
+    if (i < 0 || i >= m_sections->size())
         return {};
-    const auto section = QSharedPointer<SectionTag>::create(m_sections.at(i));
-    completeTag(*section);
-    return section;
+    return QSharedPointer<SectionTag>::create(m_sections->at(i));
 }
 
 QSharedPointer<FileTag> TreskParser::getFile(int i) const
@@ -168,15 +141,14 @@ QSharedPointer<FileTag> TreskParser::getFile(int i) const
 QList<FileTag> TreskParser::getFilesInSection(int i) const
 {
     QList<FileTag> files;
-    if (i < 0 || i >= m_sections.size())
+    if (i < 0 || i >= m_sections->size())
         return files;
-    const SectionTag& section = m_sections.at(i);
-    const Range region = regionOf(section);
+    const Range region = regionOf(*m_sections, i);
     // Files are sorted by position, so those that can lie in the region stand together.
     const auto liesBefore = [](const FileTag& file, qint64 pos) { return file.pos < pos; };
     auto file = std::lower_bound(m_files.begin(), m_files.end(), region.begin, liesBefore);
     for (; file != m_files.end() && file->pos <= region.end; ++file) {
-        if (fileInSection(*file, section))
+        if (liesIn(blockOf(*file), region))
             files.append(*file);
     }
     return files;
@@ -185,9 +157,9 @@ QList<FileTag> TreskParser::getFilesInSection(int i) const
 QList<FileTag> TreskParser::getSectionlessFiles() const
 {
     std::vector<Range> regions;
-    regions.reserve(std::size_t(m_sections.size()));
-    for (const SectionTag& section : m_sections)
-        regions.push_back(regionOf(section));
+    regions.reserve(std::size_t(m_sections->size()));
+    for (int i = 0; i < m_sections->size(); ++i)
+        regions.push_back(regionOf(*m_sections, i));
     const auto beginsEarlier = [](const Range& a, const Range& b) { return a.begin < b.begin; };
     std::sort(regions.begin(), regions.end(), beginsEarlier);
 
@@ -229,11 +201,8 @@ void TreskParser::readSections()
 {
     ChainPositions positions; // a chain that leads back into itself ends there
     std::optional<SectionTag> section = findLastSection();
-    while (section && positions.add(section->pos, m_sections)) {
-        section->id = int(m_sections.size());
-        if (!m_sections.isEmpty())
-            shareTexts(*section, m_sections.constLast());
-        m_sections.append(*section);
+    while (section && positions.add(section->pos, *m_sections)) {
+        m_sections->append(*section, *m_iterator.curLine());
         section = findPrevSection(*section);
     }
 }
@@ -281,10 +250,8 @@ std::optional<SectionTag> TreskParser::parseSection(bool anywhere) const
     if (!text || start == std::string_view::npos)
         return std::nullopt;
     std::optional<SectionTag> section = readSectionMarker(text->substr(start));
-    if (section) {
+    if (section)
         section->pos = m_iterator.curPos() + 1;
-        section->validationTag = tagToKeep(*section, *line);
-    }
     return section;
 }
 
@@ -314,13 +281,6 @@ std::optional<FileTag> TreskParser::parseFile() const
     if (file)
         file->pos = m_iterator.curPos() + 1;
     return file;
-}
-
-bool TreskParser::fileInSection(const FileTag& file, const SectionTag& section)
-{
-    const Range region = regionOf(section);
-    const Range block = blockOf(file);
-    return region.begin <= block.begin && region.end >= block.end;
 }
 
 /// Reads the line from @p pos on; does nothing if that is outside the document.

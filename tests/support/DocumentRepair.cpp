@@ -13,8 +13,8 @@ namespace tresktest {
 
 namespace {
 
-const QByteArray sectionStart("%<--! $TRESK_SECTION");
-const QByteArray fileStart("%<--! $TRESK_EMBEDDEDFILE_BEGIN");
+const QByteArray sectionPrefix("%<--! $TRESK_SECTION");
+const QByteArray filePrefix("%<--! $TRESK_EMBEDDEDFILE_BEGIN");
 
 const QList<QByteArray>& sectionKeys()
 {
@@ -136,13 +136,13 @@ std::optional<Marker> Repair::markerOnLine(int lineStart, int lineEnd) const
 {
     const QByteArray line = m_document.mid(lineStart, lineEnd - lineStart);
     Marker marker;
-    marker.isSection = line.contains(sectionStart);
-    if ((!marker.isSection && !line.startsWith(fileStart)) || line.contains('\0'))
+    marker.isSection = line.contains(sectionPrefix);
+    if ((!marker.isSection && !line.startsWith(filePrefix)) || line.contains('\0'))
         return std::nullopt;
     marker.lineStart = lineStart;
     marker.lineEnd = lineEnd;
-    const int start = marker.isSection ? int(line.indexOf(sectionStart)) : 0;
-    int place = start + int((marker.isSection ? sectionStart : fileStart).size()) + 1;
+    const int start = marker.isSection ? int(line.indexOf(sectionPrefix)) : 0;
+    int place = start + int((marker.isSection ? sectionPrefix : filePrefix).size()) + 1;
     for (const QByteArray& key : marker.isSection ? sectionKeys() : fileKeys()) {
         if (line.mid(place, key.size() + 2) != '[' + key + ':')
             return std::nullopt;
