@@ -17,16 +17,26 @@ const char* const depthOption = "max-depth";
 const char* const documentsOption = "max-documents";
 const char* const unpackedOption = "max-unpacked";
 
+/// The number that @p text says in digits alone: no signs and blanks, which toLongLong() takes.
+std::optional<qint64> numberFromText(const QString& text)
+{
+    const bool allDigits = std::all_of(text.cbegin(), text.cend(), [](QChar c) {
+        return c >= QLatin1Char('0') && c <= QLatin1Char('9');
+    });
+    bool valid = false;
+    const qint64 number = text.toLongLong(&valid);
+    return valid && allDigits ? std::optional<qint64>(number) : std::nullopt;
+}
+
 /// The number from 0 to @p most that the option has, else @p usual. Reports another value.
 std::optional<int> numberOf(const Invocation& invocation, const Command* command,
                             const char* option, int usual, int most)
 {
     if (!invocation.isSet(option))
         return usual;
-    bool valid = false;
-    const int number = invocation.value(option).toInt(&valid);
-    if (valid && number >= 0 && number <= most)
-        return number;
+    const std::optional<qint64> number = numberFromText(invocation.value(option));
+    if (number && *number <= most)
+        return static_cast<int>(*number);
     reportUsage(command,
                 QStringLiteral("--%1 takes a number from 0 to %2")
                     .arg(QLatin1String(option), QString::number(most)));
@@ -93,20 +103,15 @@ std::optional<qint64> sizeFromText(const QString& text)
             unit = factor;
         }
     }
-    // Signs and blanks, which toLongLong() takes, are no part of a size.
-    const bool allDigits = std::all_of(digits.cbegin(), digits.cend(), [](QChar c) {
-        return c >= QLatin1Char('0') && c <= QLatin1Char('9');
-    });
-    bool valid = false;
-    const qint64 number = digits.toLongLong(&valid);
-    if (!valid || !allDigits || number > std::numeric_limits<qint64>::max() / unit)
+    const std::optional<qint64> number = numberFromText(digits);
+    if (!number || *number > std::numeric_limits<qint64>::max() / unit)
         return std::nullopt;
-    return number * unit;
+    return *number * unit;
 }
 
 Option summaryLimitOption()
 {
-    return {0, unpackedOption, "N", "unpack this much of summaries at most (64MiB)"};
+    return {0, unpackedOption, "SIZE", "unpack this much of summaries at most (64MiB)"};
 }
 
 bool applyLimits(const Invocation& invocation, const Command* command, SummaryBudget& budget)
@@ -122,7 +127,7 @@ std::vector<Option> withTreeLimits(std::vector<Option> options)
     options.push_back({0, depthOption, "N", "follow embedded documents so deep at most (100)"});
     options.push_back(
         {0, documentsOption, "N", "follow so many embedded documents at most (10000)"});
-    options.push_back({0, unpackedOption, "N", "unpack this much at most (1GiB)"});
+    options.push_back({0, unpackedOption, "SIZE", "unpack this much at most (1GiB)"});
     return options;
 }
 

@@ -126,13 +126,15 @@ void TestCommandLimits::wrongValues_data()
             << QStringList{text(command), text(option)} << QByteArray(problem);
     };
     const char* const depth = "--max-depth takes a number from 0 to 200";
-    for (const char* option : {"--max-depth=201", "--max-depth=-1", "--max-depth=", "--max-depth=x",
-                               "--max-depth=1.5", "--max-depth=99999999999"})
+    for (const char* option :
+         {"--max-depth=201", "--max-depth=-1", "--max-depth=", "--max-depth=x", "--max-depth=1.5",
+          "--max-depth=99999999999", "--max-depth=+5", "--max-depth= 5"})
         row("tree", option, depth);
     row("diff", "--max-depth=201", depth);
     const char* const documents = "--max-documents takes a number from 0 to 1000000";
     row("tree", "--max-documents=1000001", documents);
     row("diff", "--max-documents=-5", documents);
+    row("diff", "--max-documents=+5", documents);
     const char* const size =
         "--max-unpacked takes a number of bytes, or one with KiB, MiB or GiB behind it";
     for (const char* option :
