@@ -69,12 +69,18 @@ QString limitText(const QString& limit, const QString& option)
     return option.isEmpty() ? limit : QStringLiteral("%1 (%2)").arg(limit, option);
 }
 
-QString lackingSummaries(qint64 steps, qint64 bytes, qint64 files, const QString& option)
+QString lackingSummaries(qint64 steps, qint64 bytes, const QString& option)
 {
     return QStringLiteral("the summaries of %1 are left out, since no more than %2 of summaries "
-                          "are unpacked, and %3 in them read")
-        .arg(counted(steps, QStringLiteral("step")), limitText(humanSize(bytes), option),
-             counted(files, QStringLiteral("file")));
+                          "are unpacked")
+        .arg(counted(steps, QStringLiteral("step")), limitText(humanSize(bytes), option));
+}
+
+QString overfullSummaries(qint64 steps, qint64 files)
+{
+    return QStringLiteral("the summaries of %1 are left out, since no more than %2 in them are "
+                          "read")
+        .arg(counted(steps, QStringLiteral("step")), counted(files, QStringLiteral("file")));
 }
 
 QString lackingFiles(qint64 steps, qint64 files)
@@ -164,7 +170,9 @@ QStringList shortfalls(const SummaryBudget& whole, const SummaryBudget& left, co
 {
     QStringList texts;
     if (!left.unread.isEmpty())
-        texts += lackingSummaries(left.unread.size(), whole.bytes, whole.files, option);
+        texts += lackingSummaries(left.unread.size(), whole.bytes, option);
+    if (!left.namingTooMany.isEmpty())
+        texts += overfullSummaries(left.namingTooMany.size(), whole.files);
     if (!left.withoutFiles.isEmpty())
         texts += lackingFiles(left.withoutFiles.size(), whole.files);
     return texts;
@@ -195,13 +203,16 @@ QStringList shortfalls(const WorkflowTreeLimits& limits, const QList<WorkflowTre
                                   QStringLiteral("no more than %1 are unpacked")
                                       .arg(limitText(humanSize(limits.bytes), unpacked)));
     }
+    if (const qint64 n = count(WorkflowTreeOmission::LargestDocument, false))
+        texts += lackingDocuments(n, QStringLiteral("documents have less than 2 GiB"));
     if (const qint64 n = count(WorkflowTreeOmission::Records, false)) {
         texts += lackingDocuments(
             n, QStringLiteral("no more than %1 steps and files are kept").arg(limits.records));
     }
     if (const qint64 n = count(WorkflowTreeOmission::SummaryBytes, true))
-        texts += lackingSummaries(n, std::min(limits.bytes, limits.summaryBytes), limits.records,
-                                  unpacked);
+        texts += lackingSummaries(n, std::min(limits.bytes, limits.summaryBytes), unpacked);
+    if (const qint64 n = count(WorkflowTreeOmission::SummaryFiles, true))
+        texts += overfullSummaries(n, limits.records);
     if (const qint64 n = count(WorkflowTreeOmission::Records, true))
         texts += lackingFiles(n, limits.records);
     return texts;
