@@ -9,6 +9,7 @@
 #include <QRegularExpression>
 #include <QTest>
 
+#include <algorithm>
 #include <csignal>
 
 using tresk::TreskParser;
@@ -98,6 +99,7 @@ private Q_SLOTS:
     void manyDocuments();
     void limits_data();
     void limits();
+    void storedBytesCount();
     void limitsAreKept();
     void recordsAreLimited_data();
     void recordsAreLimited();
@@ -375,6 +377,26 @@ void TestWorkflowTreeHostile::limits()
         QVERIFY(tree.omissions().isEmpty());
     }
     QCOMPARE(m_temporary->files(), QStringList());
+}
+
+void TestWorkflowTreeHostile::storedBytesCount()
+{
+    // What stands behind the end of a stream is read, too.
+    const FileSpec padded = storedAs(flate(twoSteps), deflated(twoSteps) + QByteArray(50000, 'x'));
+    const QString path = save(history({step("outer", {padded, embedded("b.tresk", twoSteps)})}));
+    for (const int enough : {0, 1}) {
+        WorkflowTreeLimits limits;
+        limits.bytes = 50000 + enough * 50000;
+        WorkflowTree tree;
+        tree.setLimits(limits);
+        tree.treeFromTreskFile(path);
+        const QList<WorkflowTreeOmission> left = tree.omissions();
+        const auto isSecond = [](const WorkflowTreeOmission& one) {
+            return one.limit == WorkflowTreeOmission::Bytes && one.document == latin1("b.tresk");
+        };
+        QCOMPARE(std::any_of(left.begin(), left.end(), isSecond), enough == 0);
+        QCOMPARE(tree.children(0).size(), enough == 1 ? 4 : 2);
+    }
 }
 
 void TestWorkflowTreeHostile::limitsAreKept()
