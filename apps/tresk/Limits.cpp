@@ -17,16 +17,26 @@ const char* const depthOption = "max-depth";
 const char* const documentsOption = "max-documents";
 const char* const unpackedOption = "max-unpacked";
 
+/// The number that @p text says in digits alone: no signs and blanks, which toLongLong() takes.
+std::optional<qint64> numberFromText(const QString& text)
+{
+    const bool allDigits = std::all_of(text.cbegin(), text.cend(), [](QChar c) {
+        return c >= QLatin1Char('0') && c <= QLatin1Char('9');
+    });
+    bool valid = false;
+    const qint64 number = text.toLongLong(&valid);
+    return valid && allDigits ? std::optional<qint64>(number) : std::nullopt;
+}
+
 /// The number from 0 to @p most that the option has, else @p usual. Reports another value.
 std::optional<int> numberOf(const Invocation& invocation, const Command* command,
                             const char* option, int usual, int most)
 {
     if (!invocation.isSet(option))
         return usual;
-    bool valid = false;
-    const int number = invocation.value(option).toInt(&valid);
-    if (valid && number >= 0 && number <= most)
-        return number;
+    const std::optional<qint64> number = numberFromText(invocation.value(option));
+    if (number && *number <= most)
+        return static_cast<int>(*number);
     reportUsage(command,
                 QStringLiteral("--%1 takes a number from 0 to %2")
                     .arg(QLatin1String(option), QString::number(most)));
@@ -59,12 +69,18 @@ QString limitText(const QString& limit, const QString& option)
     return option.isEmpty() ? limit : QStringLiteral("%1 (%2)").arg(limit, option);
 }
 
-QString lackingSummaries(qint64 steps, qint64 bytes, qint64 files, const QString& option)
+QString lackingSummaries(qint64 steps, qint64 bytes, const QString& option)
 {
     return QStringLiteral("the summaries of %1 are left out, since no more than %2 of summaries "
-                          "are unpacked, and %3 in them read")
-        .arg(counted(steps, QStringLiteral("step")), limitText(humanSize(bytes), option),
-             counted(files, QStringLiteral("file")));
+                          "are unpacked")
+        .arg(counted(steps, QStringLiteral("step")), limitText(humanSize(bytes), option));
+}
+
+QString overfullSummaries(qint64 steps, qint64 files)
+{
+    return QStringLiteral("the summaries of %1 are left out, since no more than %2 in them are "
+                          "read")
+        .arg(counted(steps, QStringLiteral("step")), counted(files, QStringLiteral("file")));
 }
 
 QString lackingFiles(qint64 steps, qint64 files)
@@ -93,20 +109,15 @@ std::optional<qint64> sizeFromText(const QString& text)
             unit = factor;
         }
     }
-    // Signs and blanks, which toLongLong() takes, are no part of a size.
-    const bool allDigits = std::all_of(digits.cbegin(), digits.cend(), [](QChar c) {
-        return c >= QLatin1Char('0') && c <= QLatin1Char('9');
-    });
-    bool valid = false;
-    const qint64 number = digits.toLongLong(&valid);
-    if (!valid || !allDigits || number > std::numeric_limits<qint64>::max() / unit)
+    const std::optional<qint64> number = numberFromText(digits);
+    if (!number || *number > std::numeric_limits<qint64>::max() / unit)
         return std::nullopt;
-    return number * unit;
+    return *number * unit;
 }
 
 Option summaryLimitOption()
 {
-    return {0, unpackedOption, "N", "unpack this much of summaries at most (64MiB)"};
+    return {0, unpackedOption, "SIZE", "unpack this much of summaries at most (64MiB)"};
 }
 
 bool applyLimits(const Invocation& invocation, const Command* command, SummaryBudget& budget)
@@ -122,7 +133,7 @@ std::vector<Option> withTreeLimits(std::vector<Option> options)
     options.push_back({0, depthOption, "N", "follow embedded documents so deep at most (100)"});
     options.push_back(
         {0, documentsOption, "N", "follow so many embedded documents at most (10000)"});
-    options.push_back({0, unpackedOption, "N", "unpack this much at most (1GiB)"});
+    options.push_back({0, unpackedOption, "SIZE", "unpack this much at most (1GiB)"});
     return options;
 }
 
@@ -159,7 +170,9 @@ QStringList shortfalls(const SummaryBudget& whole, const SummaryBudget& left, co
 {
     QStringList texts;
     if (!left.unread.isEmpty())
-        texts += lackingSummaries(left.unread.size(), whole.bytes, whole.files, option);
+        texts += lackingSummaries(left.unread.size(), whole.bytes, option);
+    if (!left.namingTooMany.isEmpty())
+        texts += overfullSummaries(left.namingTooMany.size(), whole.files);
     if (!left.withoutFiles.isEmpty())
         texts += lackingFiles(left.withoutFiles.size(), whole.files);
     return texts;
@@ -190,13 +203,16 @@ QStringList shortfalls(const WorkflowTreeLimits& limits, const QList<WorkflowTre
                                   QStringLiteral("no more than %1 are unpacked")
                                       .arg(limitText(humanSize(limits.bytes), unpacked)));
     }
+    if (const qint64 n = count(WorkflowTreeOmission::LargestDocument, false))
+        texts += lackingDocuments(n, QStringLiteral("documents have less than 2 GiB"));
     if (const qint64 n = count(WorkflowTreeOmission::Records, false)) {
         texts += lackingDocuments(
             n, QStringLiteral("no more than %1 steps and files are kept").arg(limits.records));
     }
     if (const qint64 n = count(WorkflowTreeOmission::SummaryBytes, true))
-        texts += lackingSummaries(n, std::min(limits.bytes, limits.summaryBytes), limits.records,
-                                  unpacked);
+        texts += lackingSummaries(n, std::min(limits.bytes, limits.summaryBytes), unpacked);
+    if (const qint64 n = count(WorkflowTreeOmission::SummaryFiles, true))
+        texts += overfullSummaries(n, limits.records);
     if (const qint64 n = count(WorkflowTreeOmission::Records, true))
         texts += lackingFiles(n, limits.records);
     return texts;

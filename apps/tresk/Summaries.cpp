@@ -87,7 +87,8 @@ bool Summaries::checkMissing() const
                                        "read"));
         return true;
     }
-    const QSet<int> tooLarge(m_left.unread.begin(), m_left.unread.end());
+    const QList<int> left = m_left.unread + m_left.namingTooMany + m_left.withoutFiles;
+    const QSet<int> tooLarge(left.begin(), left.end());
     for (const SectionTag& step : m_stepFiles.steps()) {
         if (of(step).fromXml || tooLarge.contains(step.id))
             continue;

@@ -14,10 +14,14 @@ class TreskParser;
 /// that. Few bytes of a document may unpack to summaries of any size, and where steps reach back
 /// over each other, each names all files again.
 struct TRESK_EXPORT SummaryBudget {
-    qint64 bytes = qint64(64) * 1024 * 1024; ///< of summary documents, unpacked
-    qint64 files = 1000000; ///< named by summaries
-    QList<int> unread; ///< ids of the sections whose summary documents have or name more than left
-    QList<int> withoutFiles; ///< ids of those whose markers have more files than left
+    /// Of summary documents, stored or unpacked, whichever is more. One that cannot be read counts
+    /// as what may have been unpacked before that was found.
+    qint64 bytes = qint64(64) * 1024 * 1024;
+    qint64 files = 1000000; ///< embedded in steps or named by their summaries, whichever is more
+    QList<int> unread; ///< ids of the sections whose summary documents have more bytes than left
+    QList<int> namingTooMany; ///< ids of those whose summary documents name more files than left
+    /// Ids of those that have more files than left. Their summary documents were not read either.
+    QList<int> withoutFiles;
 };
 
 /// Makes the summaries of all steps of a document. Has no state.
@@ -48,10 +52,11 @@ public:
     /// There is no bound on the memory that summaries take: each names all files of its step.
     /// For documents from strangers there is the other function.
     QList<Summary> createSummaries(TreskParser& parser);
-    /// The same within @p budget, from which it takes what was needed. A summary document for
-    /// which it does not suffice counts as one that cannot be read, and a summary for whose files
-    /// it does not suffice has none; both are added to the lists there, and smaller ones behind
-    /// them are read all the same. The section's id in the lists is -1 for "<unmatched files>".
+    /// The same within @p budget, from which it takes what was needed, also in vain. A summary
+    /// document for which it does not suffice counts as one that cannot be read, and a section for
+    /// whose files it does not suffice has a summary without any, which its marker makes; all are
+    /// added to the lists there, and smaller ones behind them are read all the same. The section's
+    /// id in the lists is -1 for "<unmatched files>".
     QList<Summary> createSummaries(TreskParser& parser, SummaryBudget& budget);
 };
 

@@ -16,6 +16,7 @@
 namespace tresk {
 
 class TreskParser;
+struct FileTag;
 
 /// A step in a tree, and the document that it comes from.
 class TRESK_EXPORT WorkflowTreeNode {
@@ -49,7 +50,9 @@ struct TRESK_EXPORT WorkflowTreeLimits {
 
     int depth = 100; ///< levels of embedded documents below the document itself
     int documents = 10000; ///< embedded documents in all
-    qint64 bytes = qint64(16) * 1024 * 1024 * 1024; ///< of documents and summaries, unpacked
+    /// Of documents and summaries, unpacked. A document in which a fault is met counts as what may
+    /// have been unpacked in vain.
+    qint64 bytes = qint64(16) * 1024 * 1024 * 1024;
     qint64 summaryBytes = SummaryBudget().bytes; ///< of these, of summaries
     /// Steps and files that lie in embedded documents, and files that steps have.
     qint64 records = SummaryBudget().files;
@@ -57,12 +60,14 @@ struct TRESK_EXPORT WorkflowTreeLimits {
 
 /// What a tree has left out since it would go beyond a limit.
 struct TRESK_EXPORT WorkflowTreeOmission {
-    enum Limit { Depth, Documents, Bytes, SummaryBytes, Records };
+    /// LargestDocument is no limit that can be set: a document has less than 2 GiB.
+    enum Limit { Depth, Documents, Bytes, SummaryBytes, Records, SummaryFiles, LargestDocument };
 
     Limit limit;
     int nodeId; ///< of the step that is concerned
     /// The name of the document that the step embeds. Null where it is the summary of the step
-    /// itself: SummaryBytes if it was not read, Records if it lacks its files.
+    /// itself: SummaryBytes or SummaryFiles if it was not read, since it has too many bytes or
+    /// names too many files, Records if its files are lacking.
     QString document;
 };
 
@@ -133,7 +138,7 @@ private:
     void fillTree(TreskParser& parser, int parentId, const QString& treskfile,
                   const QString& fileOnDisk, int level);
     void followFile(TreskParser& parser, int nodeId, const FileSummary& file, int level);
-    QString extractFile(TreskParser& parser, int fileId);
+    QString extractFile(TreskParser& parser, const FileTag& file, bool& isTooLarge);
     QList<Summary> readSummaries(TreskParser& parser, SummaryBudget& budget);
     void omit(WorkflowTreeOmission::Limit limit, int nodeId, const QString& document);
     const WorkflowTreeNode* node(int id) const;

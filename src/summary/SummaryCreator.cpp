@@ -19,6 +19,58 @@ namespace {
 const QLatin1String summaryFilename("ws_summary.xml");
 constexpr int longestSummary = std::numeric_limits<int>::max() / 2
     - 64; // that all versions of Qt hold
+constexpr qint64 largestRatio = 1032; // of inflated to stored bytes that deflate reaches
+constexpr qint64 largestExcess = 1024 * 1024; // inflated before a stream is found to be longer
+
+/// The stored bytes of @p file; none where they are not all inside the document.
+qint64 storedSize(TreskParser& parser, const FileTag& file)
+{
+    const qint64 start = qint64(file.pos) + file.tagLength + file.offset;
+    const qint64 end = start + file.cfilesize;
+    const bool isInside = start >= 0 && start < end && end <= std::numeric_limits<int>::max()
+        && !parser.getBytes(int(end - 1), 1).isEmpty();
+    return isInside ? file.cfilesize : 0;
+}
+
+/// What it takes to read a summary document, in bytes that are stored or inflated.
+struct Effort {
+    qint64 content; ///< the size that it should have
+    qint64 whole; ///< to read it if it has
+    qint64 vain; ///< at most if it cannot be read
+};
+
+/// The effort for @p file; nothing where it cannot be read, whatever its bytes are.
+std::optional<Effort> effortOf(TreskParser& parser, const FileTag& file)
+{
+    const qint64 stored = storedSize(parser, file);
+    if (file.compression == QLatin1String("none"))
+        return Effort{stored, stored, stored};
+    const qint64 most = stored * largestRatio;
+    if (file.compression != QLatin1String("flate") || file.filesize < 0 || file.filesize > most)
+        return std::nullopt;
+    // A stream that should be empty is followed to its end: it is right also if it is damaged.
+    if (file.filesize == 0)
+        return Effort{0, most, most};
+    const qint64 whole = std::max<qint64>(stored, file.filesize);
+    return Effort{file.filesize, whole, std::max(whole, std::min(most, whole + largestExcess))};
+}
+
+/// The content of the summary document @p file of the section @p sectionId; null where it cannot
+/// be read or is beyond @p budget, which is charged with the effort also if that was in vain.
+QSharedPointer<QByteArray> readContent(TreskParser& parser, int sectionId, const FileTag& file,
+                                       SummaryBudget& budget)
+{
+    const std::optional<Effort> effort = effortOf(parser, file);
+    if (!effort)
+        return {};
+    if (effort->whole > budget.bytes || effort->content > longestSummary) {
+        budget.unread.append(sectionId);
+        return {};
+    }
+    const QSharedPointer<QByteArray> content = parser.getFileContent(file.id);
+    budget.bytes -= content ? effort->whole : std::min(effort->vain, budget.bytes);
+    return content;
+}
 
 /// The summary as the last of @p files, those of the section @p sectionId, has it; nothing where
 /// that is not a summary document, cannot be read or is beyond @p budget.
@@ -28,26 +80,31 @@ std::optional<Summary> readSummaryDocument(TreskParser& parser, int sectionId,
     if (files.isEmpty() || files.constLast().filename != summaryFilename)
         return std::nullopt;
     const FileTag& file = files.constLast();
-    const int size = file.compression == QLatin1String("none") ? file.cfilesize : file.filesize;
-    const bool fits = size <= std::min<qint64>(budget.bytes, longestSummary);
-    if (!fits)
-        budget.unread.append(sectionId);
-    const QSharedPointer<QByteArray> content = fits ? parser.getFileContent(file.id)
-                                                    : QSharedPointer<QByteArray>();
+    const QSharedPointer<QByteArray> content = readContent(parser, sectionId, file, budget);
     if (!content) {
         qCDebug(debugCategory) << "could not read summary" << file.id;
         return std::nullopt;
     }
-    budget.bytes -= content->size();
     // Each file takes thirty times the room of an empty element, so they are counted in advance:
-    // not exactly, but never too few.
-    if (content->count("<InFile") + content->count("<OutFile") > budget.files) {
-        budget.unread.append(sectionId);
+    // not exactly, but never too few. Those of the section are paid for.
+    if (content->count("<InFile") + content->count("<OutFile") - files.size() > budget.files) {
+        budget.namingTooMany.append(sectionId);
         return std::nullopt;
     }
     // With the size: on its own, the array would end at its first NUL.
     const QString text = QString::fromUtf8(content->constData(), int(content->size()));
     return SummaryReader().readSummary(text);
+}
+
+/// How many of @p files, all those of the document, begin in the region of @p section, without a
+/// look at each: as many as lie in it, unless blocks are damaged. Never less.
+qint64 countFilesIn(const QList<FileTag>& files, const SectionTag& section)
+{
+    const qint64 begin = qint64(section.pos) - section.left;
+    const qint64 end = begin + section.size;
+    const auto liesBefore = [](const FileTag& file, qint64 pos) { return file.pos < pos; };
+    const auto first = std::lower_bound(files.cbegin(), files.cend(), begin, liesBefore);
+    return std::lower_bound(first, files.cend(), end + 1, liesBefore) - first;
 }
 
 /// Ties the files that @p summary names to those of its section, @p files.
@@ -111,18 +168,25 @@ QList<Summary> SummaryCreator::createSummaries(TreskParser& parser, SummaryBudge
 {
     QList<Summary> summaries;
     QList<FileSummary> newestFiles; // shared by the summaries that get them
+    const QList<FileTag> allFiles = parser.getFiles();
     const QList<SectionTag> sections = parser.getSections();
     for (auto section = sections.crbegin(); section != sections.crend(); ++section) {
+        // Where all sections hold all files, even asking for them would take too long.
+        if (countFilesIn(allFiles, *section) > budget.files) {
+            budget.withoutFiles.append(section->id);
+            summaries.append(makeSummaryFromTags(*section, {}));
+            continue;
+        }
         const QList<FileTag> files = parser.getFilesInSection(section->id);
+        budget.files -= files.size();
         std::optional<Summary> summary = readSummaryDocument(parser, section->id, files, budget);
         if (!summary) {
-            const bool allowed = allowFiles(files.size(), section->id, budget);
-            summaries.append(makeSummaryFromTags(*section, allowed ? files : QList<FileTag>()));
+            summaries.append(makeSummaryFromTags(*section, files));
             continue;
         }
         const int readTagId = summary->tagId;
         summary->tagId = section->id;
-        budget.files -= summary->files.size();
+        budget.files -= std::max<qint64>(summary->files.size() - files.size(), 0);
         tieFiles(*summary, files);
         // A summary gets those files of a section that no summary has named, but the section is
         // that of the id that was read. This is -1, or 0 where there was no step element: such a

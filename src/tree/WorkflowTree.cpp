@@ -19,6 +19,8 @@ namespace tresk {
 namespace {
 
 constexpr qint64 largestDocument = std::numeric_limits<int>::max();
+constexpr qint64 largestPiece = 100000; // of stored bytes that an extraction inflates at once
+constexpr qint64 largestRatio = 1032; // of inflated to stored bytes that deflate reaches
 
 } // namespace
 
@@ -183,6 +185,7 @@ void WorkflowTree::fillTree(TreskParser& parser, int parentId, const QString& tr
     SummaryBudget budget;
     const QList<Summary> summaries = readSummaries(parser, budget);
     const QSet<int> unread(budget.unread.cbegin(), budget.unread.cend());
+    const QSet<int> namingTooMany(budget.namingTooMany.cbegin(), budget.namingTooMany.cend());
     const QSet<int> withoutFiles(budget.withoutFiles.cbegin(), budget.withoutFiles.cend());
     for (auto i = int(summaries.size()) - 1; i >= 0; --i) {
         const Summary& summary = summaries.at(i);
@@ -190,6 +193,8 @@ void WorkflowTree::fillTree(TreskParser& parser, int parentId, const QString& tr
         const int id = addTreeNode(parentId, summary, treskfile, fileOnDisk);
         if (unread.contains(sectionId))
             omit(WorkflowTreeOmission::SummaryBytes, id, QString());
+        if (namingTooMany.contains(sectionId))
+            omit(WorkflowTreeOmission::SummaryFiles, id, QString());
         if (withoutFiles.contains(sectionId))
             omit(WorkflowTreeOmission::Records, id, QString());
         for (const FileSummary& file : summary.files) {
@@ -230,13 +235,16 @@ void WorkflowTree::followFile(TreskParser& parser, int nodeId, const FileSummary
         return;
     }
     --m_left.documents;
-    const QString path = extractFile(parser, file.tagId);
+    bool isTooLarge = false;
+    const QString path = tag ? extractFile(parser, *tag, isTooLarge) : QString();
     // What the tree has opened itself is not kept open while it goes deeper.
     if (level > 1)
         parser.releaseFile();
     if (path.isEmpty()) {
-        if (m_left.bytes < 0)
-            omit(WorkflowTreeOmission::Bytes, nodeId, file.filename);
+        if (isTooLarge)
+            omit(m_left.bytes < 0 ? WorkflowTreeOmission::Bytes
+                                  : WorkflowTreeOmission::LargestDocument,
+                 nodeId, file.filename);
         return;
     }
     const QSharedPointer<TreskParser> embedded = m_files.addTreskFile(path, true);
@@ -265,14 +273,19 @@ void WorkflowTree::omit(WorkflowTreeOmission::Limit limit, int nodeId, const QSt
                    1);
         return;
     }
-    Q_EMIT log(limit == WorkflowTreeOmission::Depth
-                   ? tr("The document %1 is embedded too deeply and is left out").arg(document)
-                   : tr("There are too many embedded documents; %1 is left out").arg(document),
-               1);
+    QString text;
+    if (limit == WorkflowTreeOmission::Depth)
+        text = tr("The document %1 is embedded too deeply and is left out");
+    else if (limit == WorkflowTreeOmission::LargestDocument)
+        text = tr("The document %1 has 2 GiB or more and is left out");
+    else
+        text = tr("There are too many embedded documents; %1 is left out");
+    Q_EMIT log(text.arg(document), 1);
 }
 
-/// Writes an embedded file to a temporary one and returns its path; empty where that fails.
-QString WorkflowTree::extractFile(TreskParser& parser, int fileId)
+/// Writes an embedded file to a temporary one and returns its path; empty where that fails, or
+/// was given up since there is too much of it.
+QString WorkflowTree::extractFile(TreskParser& parser, const FileTag& file, bool& isTooLarge)
 {
     // A folder that is missing would read as the root folder.
     if (QDir::tempPath().isEmpty()) {
@@ -293,13 +306,23 @@ QString WorkflowTree::extractFile(TreskParser& parser, int fileId)
     queue.publishToLogSignal(this);
     connect(&queue, &ExtractionQueue::fileProcessed, this,
             [&extracted](int, bool valid) { extracted = valid; });
-    queue.addExtractees({{fileId, path}});
+    queue.addExtractees({{file.id, path}});
     while (queue.process()) {
-        if (QFileInfo(path).size() > std::min(m_left.bytes, largestDocument))
-            queue.cancelExtraction(); // nor could it be opened
+        if (QFileInfo(path).size() > std::min(m_left.bytes, largestDocument)) {
+            isTooLarge = true;
+            queue.cancelExtraction();
+        }
     }
-    m_left.bytes -= QFileInfo(path).size();
+    const qint64 size = QFileInfo(path).size();
+    isTooLarge = isTooLarge || size > largestDocument; // which could not be opened
+    const qint64 stored = file.compression == QLatin1String("flate") ? file.cfilesize : 0;
     if (extracted)
+        m_left.bytes -= std::max(size, stored);
+    else if (isTooLarge || stored < 0)
+        m_left.bytes -= size;
+    else // of the piece in which there is a fault, nothing is written
+        m_left.bytes -= size + std::min(stored, largestPiece) * largestRatio;
+    if (extracted && !isTooLarge)
         return path;
     QFile::remove(path);
     return {};

@@ -5,7 +5,11 @@
 
 #include <QTest>
 
+#include <algorithm>
+
 using tresk::Summary;
+using tresk::SummaryBudget;
+using tresk::SummaryCreator;
 using tresk::TreskParser;
 using tresktest::DocumentWriter;
 using tresktest::element;
@@ -62,6 +66,8 @@ Summary fromMarkers(const TreskParser& parser, int id)
 
 } // namespace
 
+Q_DECLARE_METATYPE(tresktest::FileSpec)
+
 /// Which file is the summary of its step, and what is made of its bytes.
 class TestSummarySource : public QObject {
     Q_OBJECT
@@ -80,6 +86,10 @@ private Q_SLOTS:
     void unusableSummary();
     void encodings_data();
     void encodings();
+    void effort_data();
+    void effort();
+    void effortForEachSection();
+    void filesOfEachSection();
 };
 
 void TestSummarySource::nameOfTheSummary_data()
@@ -255,6 +265,137 @@ void TestSummarySource::encodings()
     const QByteArray xml = before + summaryXml(element("Title", title));
     QCOMPARE(summaryOf({summaryFile(xml)}).title, expected);
     QCOMPARE(summaryOf({FileSpec::flate(latin1("ws_summary.xml"), xml)}).title, expected);
+}
+
+void TestSummarySource::effort_data()
+{
+    constexpr qint64 mebibyte = 1024 * 1024;
+    QTest::addColumn<FileSpec>("summary");
+    QTest::addColumn<qint64>("charge"); // of 2 MiB
+    QTest::addColumn<bool>("isTooMuch");
+    const QByteArray xml = titledSummary("summary").content;
+    const auto flate = [](const QByteArray& stream, const QByteArray& filesize) {
+        FileSpec spec = FileSpec::flate(latin1("ws_summary.xml"), "");
+        spec.stored = stream;
+        return spec.with("filesize", filesize);
+    };
+    const auto row = [](const char* name, const FileSpec& summary, qint64 charge, bool isTooMuch) {
+        QTest::newRow(name) << summary << charge << isTooMuch;
+    };
+    FileSpec plain = titledSummary("summary");
+    plain.compression = "none";
+    const QByteArray stream = tresktest::deflated(xml);
+    const QByteArray zeros = tresktest::deflated(QByteArray(4 * mebibyte, 0));
+    const QByteArray unpressed = tresktest::deflated(xml, 0);
+    const QByteArray size = QByteArray::number(xml.size());
+    const qint64 most = stream.size() * 1032;
+    row("plain", plain, xml.size(), false);
+    row("compressed", flate(stream, size), xml.size(), false);
+    row("stored in more bytes", flate(unpressed, size), unpressed.size(), false);
+    row("stored in too many bytes", flate(stream + QByteArray(3 * mebibyte, 0), size), 0, true);
+    row("damaged", flate(stream.chopped(1) + 'x', size), most, false);
+    row("longer than it says", flate(stream, "5"), most, false);
+    row("much longer than it says", flate(zeros, "10000"), 10000 + mebibyte, false);
+    row("much longer, and little left", flate(zeros, "2000000"), 2 * mebibyte, false);
+    row("of no bytes, but longer", flate(stream, "0"), most, false);
+    row("of no bytes, but much longer", flate(zeros, "0"), 0, true);
+    row("of no bytes, but damaged", flate(stream.chopped(1), "0"), most - 1032, false);
+    row("too large", flate(zeros, QByteArray::number(4 * mebibyte)), 0, true);
+    row("more than can be stored so", flate(stream, "2147483647"), 0, false);
+    row("of no size", flate(stream, ""), 0, false);
+    FileSpec unknown = flate(stream, "2147483647");
+    unknown.compression = "lzma";
+    row("unknown compression", unknown, 0, false);
+    row("outside, plain", FileSpec(plain).with("cfilesize", "2147483647"), 0, false);
+    row("outside", flate(stream, "2147483647").with("cfilesize", "2147483647"), 0, false);
+    row("far outside", flate(stream, size).with("offset", "2147483647"), 0, false);
+}
+
+void TestSummarySource::effort()
+{
+    QFETCH(FileSpec, summary);
+    QFETCH(qint64, charge);
+    QFETCH(bool, isTooMuch);
+    DocumentWriter document = newDocument();
+    document.writeSection(stepWith({summary}));
+    OpenedDocument opened(document);
+    const MessageCapture capture;
+    SummaryBudget budget;
+    budget.bytes = 2 * 1024 * 1024;
+    const QList<Summary> within = SummaryCreator().createSummaries(opened.parser, budget);
+    QCOMPARE(2 * 1024 * 1024 - budget.bytes, charge);
+    QCOMPARE(budget.unread, isTooMuch ? QList<int>{0} : QList<int>());
+    if (!isTooMuch)
+        QCOMPARE(textOf(within.first()), textOf(opened.summaries().first()));
+}
+
+void TestSummarySource::effortForEachSection()
+{
+    // All reach back over the only summary, which is damaged.
+    FileSpec summary = titledSummary("summary");
+    summary.compression = "flate";
+    summary.stored = tresktest::deflated(summary.content).chopped(1);
+    const int charge = int(summary.stored->size()) * 1032;
+    DocumentWriter document = newDocument();
+    document.endLine();
+    const int start = document.position();
+    document.writeSection(stepWith({summary}));
+    for (int i = 0; i < 9; ++i) {
+        SectionSpec more = stepWith({});
+        more.regionStart = start;
+        document.writeSection(more);
+    }
+    const MessageCapture capture;
+    OpenedDocument opened(document);
+    SummaryBudget budget;
+    const qint64 whole = budget.bytes;
+    SummaryCreator().createSummaries(opened.parser, budget);
+    QCOMPARE(whole - budget.bytes, qint64(10) * charge);
+    budget.bytes = 3 * charge;
+    SummaryCreator().createSummaries(opened.parser, budget);
+    QCOMPARE(budget.bytes, qint64(0));
+    QCOMPARE(budget.unread, QList<int>({6, 5, 4, 3, 2, 1, 0}));
+}
+
+void TestSummarySource::filesOfEachSection()
+{
+    // All have the same ten files, of which their summary names none, or some that are not there.
+    for (const int named : {0, 12}) {
+        DocumentWriter document = newDocument();
+        document.endLine();
+        const int start = document.position();
+        const QByteArray names = QByteArray("<InFile/>").repeated(named);
+        const FileSpec summary = summaryFile(summaryXml(element("Title", "summary") + names));
+        document.writeSection(
+            stepWith(QVector<FileSpec>(9, file("a")) + QVector<FileSpec>{summary}));
+        for (int i = 0; i < 4; ++i) {
+            SectionSpec more = stepWith({});
+            more.regionStart = start;
+            document.writeSection(more);
+        }
+        OpenedDocument opened(document);
+        const int each = std::max(named, 10);
+        SummaryBudget budget;
+        budget.files = 5 * each;
+        QList<Summary> summaries = SummaryCreator().createSummaries(opened.parser, budget);
+        QCOMPARE(titles(summaries).count(latin1("summary")), 5);
+        QCOMPARE(budget.files, qint64(0));
+        QVERIFY(budget.withoutFiles.isEmpty() && budget.namingTooMany.isEmpty());
+
+        budget.files = 2 * each + 9;
+        summaries = SummaryCreator().createSummaries(opened.parser, budget);
+        QCOMPARE(titles(summaries).count(latin1("summary")), 2);
+        QVERIFY(summaries.last().files.isEmpty());
+        QCOMPARE(budget.files, qint64(9));
+        QCOMPARE(budget.withoutFiles, QList<int>({2, 1, 0}));
+        QVERIFY(budget.unread.isEmpty() && budget.namingTooMany.isEmpty());
+
+        budget = SummaryBudget();
+        budget.files = 2 * each + 11;
+        SummaryCreator().createSummaries(opened.parser, budget);
+        QCOMPARE(budget.namingTooMany, named == 0 ? QList<int>() : QList<int>{2});
+        QCOMPARE(budget.withoutFiles, QList<int>({1, 0}));
+    }
 }
 
 QTEST_GUILESS_MAIN(TestSummarySource)

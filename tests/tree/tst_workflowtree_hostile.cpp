@@ -9,6 +9,7 @@
 #include <QRegularExpression>
 #include <QTest>
 
+#include <algorithm>
 #include <csignal>
 
 using tresk::TreskParser;
@@ -98,6 +99,7 @@ private Q_SLOTS:
     void manyDocuments();
     void limits_data();
     void limits();
+    void storedBytesCount();
     void limitsAreKept();
     void recordsAreLimited_data();
     void recordsAreLimited();
@@ -342,9 +344,9 @@ void TestWorkflowTreeHostile::limits_data()
     row("one byte less", with(&Limits::bytes, first - 1), "outer", "2:0:a.tresk 2:0:b.tresk");
     row("just enough", with(&Limits::bytes, first), "outer(outer outer)", "3:1: 3:2: 2:0:b.tresk");
     row("summary", with(&Limits::summaryBytes, qint64(10)), "outer", "3:0:");
-    row("no record", with(&Limits::records, qint64(0)), "outer", "3:0: 4:0:");
-    row("files of the step", with(&Limits::records, qint64(2)), "outer", "4:0:a.tresk 4:0:b.tresk");
-    row("first document", with(&Limits::records, qint64(6)), "outer(new old)", "4:0:b.tresk");
+    row("no record", with(&Limits::records, qint64(0)), "outer", "4:0:");
+    row("files of the step", with(&Limits::records, qint64(3)), "outer", "4:0:a.tresk 4:0:b.tresk");
+    row("first document", with(&Limits::records, qint64(9)), "outer(new old)", "4:0:b.tresk");
 }
 
 void TestWorkflowTreeHostile::limits()
@@ -375,6 +377,26 @@ void TestWorkflowTreeHostile::limits()
         QVERIFY(tree.omissions().isEmpty());
     }
     QCOMPARE(m_temporary->files(), QStringList());
+}
+
+void TestWorkflowTreeHostile::storedBytesCount()
+{
+    // What stands behind the end of a stream is read, too.
+    const FileSpec padded = storedAs(flate(twoSteps), deflated(twoSteps) + QByteArray(50000, 'x'));
+    const QString path = save(history({step("outer", {padded, embedded("b.tresk", twoSteps)})}));
+    for (const int enough : {0, 1}) {
+        WorkflowTreeLimits limits;
+        limits.bytes = 50000 + enough * 50000;
+        WorkflowTree tree;
+        tree.setLimits(limits);
+        tree.treeFromTreskFile(path);
+        const QList<WorkflowTreeOmission> left = tree.omissions();
+        const auto isSecond = [](const WorkflowTreeOmission& one) {
+            return one.limit == WorkflowTreeOmission::Bytes && one.document == latin1("b.tresk");
+        };
+        QCOMPARE(std::any_of(left.begin(), left.end(), isSecond), enough == 0);
+        QCOMPARE(tree.children(0).size(), enough == 1 ? 4 : 2);
+    }
 }
 
 void TestWorkflowTreeHostile::limitsAreKept()
@@ -412,11 +434,11 @@ void TestWorkflowTreeHostile::recordsAreLimited_data()
     QTest::addColumn<qint64>("records");
     QTest::addColumn<int>("nodes");
     QTest::addColumn<int>("withoutFiles");
-    // 40 steps, of which the last has all files, 40, and 40 files; 1 in the document around it.
-    QTest::newRow("all") << qint64(1 + 80 + 820) << 41 << 0;
-    QTest::newRow("one less") << qint64(1 + 80 + 819) << 41 << 1;
-    QTest::newRow("none for their files") << qint64(1 + 80) << 41 << 40;
-    QTest::newRow("not for the steps") << qint64(1 + 79) << 1 << 0;
+    // 40 steps, of which the last has all files, 40, and 40 files; 2 in the document around it.
+    QTest::newRow("all") << qint64(2 + 80 + 820) << 41 << 0;
+    QTest::newRow("one less") << qint64(2 + 80 + 819) << 41 << 1;
+    QTest::newRow("none for their files") << qint64(2 + 80) << 41 << 40;
+    QTest::newRow("not for the steps") << qint64(2 + 79) << 1 << 0;
 }
 
 void TestWorkflowTreeHostile::recordsAreLimited()
