@@ -3,7 +3,6 @@
 #include <QStringList>
 
 #include <algorithm>
-#include <vector>
 
 namespace tresk::cli {
 
@@ -11,19 +10,20 @@ StepFiles::StepFiles(const TreskParser& parser)
     : m_steps(parser.getSections())
     , m_files(parser.getFiles())
 {
+    const QList<FileTag> files = parser.getSectionlessFiles();
+    for (const FileTag& file : files)
+        m_filesWithoutStep += file.id;
 }
 
 QVector<int> StepFiles::filesIn(const SectionTag& step) const
 {
-    const qint64 start = qint64(step.pos) - step.left;
-    const qint64 end = start + step.size;
-    // Files are in the order of their positions, and a block never ends before the marker.
-    auto file = std::lower_bound(m_files.begin(), m_files.end(), start,
-                                 [](const FileTag& f, qint64 pos) { return f.pos < pos; });
+    const qint64 end = qint64(step.pos) - step.left + step.size;
+    const auto [first, last] = markersIn(step);
     QVector<int> ids;
-    for (; file != m_files.end() && file->pos <= end; ++file) {
-        if (qint64(file->pos) + file->tagLength + file->blocksize <= end)
-            ids += file->id;
+    for (int i = first; i < last; ++i) {
+        const FileTag& file = m_files[i];
+        if (qint64(file.pos) + file.tagLength + file.blocksize <= end)
+            ids += file.id;
     }
     return ids;
 }
@@ -31,24 +31,28 @@ QVector<int> StepFiles::filesIn(const SectionTag& step) const
 qint64 StepFiles::memberships() const
 {
     qint64 sum = 0;
-    for (const SectionTag& step : m_steps)
-        sum += filesIn(step).size();
+    for (const SectionTag& step : m_steps) {
+        const auto [first, last] = markersIn(step);
+        sum += last - first;
+    }
     return sum;
 }
 
 QVector<int> StepFiles::filesWithoutStep() const
 {
-    std::vector<bool> hasStep(static_cast<size_t>(m_files.size()), false);
-    for (const SectionTag& step : m_steps) {
-        for (const int id : filesIn(step))
-            hasStep[static_cast<size_t>(id)] = true;
-    }
-    QVector<int> ids;
-    for (const FileTag& file : m_files) {
-        if (!hasStep[static_cast<size_t>(file.id)])
-            ids += file.id;
-    }
-    return ids;
+    return m_filesWithoutStep;
+}
+
+/// The files whose markers stand in the region of @p step, from the first id to the one behind the
+/// last: found without looking at each, since they are in the order of their positions.
+std::pair<int, int> StepFiles::markersIn(const SectionTag& step) const
+{
+    const qint64 start = qint64(step.pos) - step.left;
+    const qint64 end = start + step.size;
+    const auto isBefore = [](const FileTag& file, qint64 pos) { return file.pos < pos; };
+    const auto first = std::lower_bound(m_files.begin(), m_files.end(), start, isBefore);
+    const auto last = std::lower_bound(first, m_files.end(), std::max(start, end + 1), isBefore);
+    return {int(first - m_files.begin()), int(last - m_files.begin())};
 }
 
 void IdRuns::append(int id)

@@ -21,15 +21,18 @@ public:
 
     /// The ids of the files that lie in the step, ascending.
     QVector<int> filesIn(const SectionTag& step) const;
-    /// How many files lie in which step, all steps added up: more than there are files where
-    /// steps reach back over others.
+    /// How many files have their markers in which step, all steps added up: more than there are
+    /// files where steps reach back over others. Found without looking at each.
     qint64 memberships() const;
     /// The ids of the files that lie in no step, ascending.
     QVector<int> filesWithoutStep() const;
 
 private:
+    std::pair<int, int> markersIn(const SectionTag& step) const;
+
     QList<SectionTag> m_steps;
     QList<FileTag> m_files;
+    QVector<int> m_filesWithoutStep;
 };
 
 /// Ids in ascending order, held as runs of consecutive ones. A step may reach back over all
