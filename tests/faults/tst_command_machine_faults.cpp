@@ -247,17 +247,17 @@ QByteArray TestCommandMachineFaults::problemOfFiles(const Result& result,
 
 QVector<TestCommandMachineFaults::Fault> TestCommandMachineFaults::allFaults()
 {
-    return {{"alloc", "ENOMEM"},     {"alloc", "ENOMEM", "+"},  {"read", "EIO"},
-            {"read", "EIO", "+"},    {"read", "EINTR"},         {"read", "short"},
-            {"read", "short", "+"},  {"write", "ENOSPC"},       {"write", "ENOSPC", "+"},
-            {"write", "EIO"},        {"write", "EINTR"},        {"write", "short"},
-            {"write", "short", "+"}, {"open", "EACCES"},        {"open", "EMFILE"},
-            {"open", "EMFILE", "+"}, {"close", "EIO"},          {"close", "EINTR"},
-            {"stat", "EIO"},         {"stat", "EIO", "+"},      {"seek", "EIO"},
-            {"link", "EPERM"},       {"link", "EIO", "+"},      {"rename", "EIO"},
-            {"unlink", "EACCES"},    {"unlink", "EACCES", "+"}, {"makedir", "EACCES"},
-            {"makedir", "ENOSPC"},   {"readdir", "EACCES"},     {"mode", "EPERM"},
-            {"entropy", "EIO"}};
+    return {{"alloc", "ENOMEM"},       {"alloc", "ENOMEM", "+"}, {"read", "EIO"},
+            {"read", "EIO", "+"},      {"read", "EINTR"},        {"read", "short"},
+            {"read", "short", "+"},    {"read", "torn"},         {"read", "torn", "+"},
+            {"write", "ENOSPC"},       {"write", "ENOSPC", "+"}, {"write", "EIO"},
+            {"write", "EINTR"},        {"write", "short"},       {"write", "short", "+"},
+            {"open", "EACCES"},        {"open", "EMFILE"},       {"open", "EMFILE", "+"},
+            {"close", "EIO"},          {"close", "EINTR"},       {"stat", "EIO"},
+            {"stat", "EIO", "+"},      {"seek", "EIO"},          {"link", "EPERM"},
+            {"link", "EIO", "+"},      {"rename", "EIO"},        {"unlink", "EACCES"},
+            {"unlink", "EACCES", "+"}, {"makedir", "EACCES"},    {"makedir", "ENOSPC"},
+            {"readdir", "EACCES"},     {"mode", "EPERM"},        {"entropy", "EIO"}};
 }
 
 /// The numbers of the calls, of @p count, that are made to fail in turn: spread evenly, and in
