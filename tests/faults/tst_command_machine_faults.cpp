@@ -26,6 +26,7 @@ private Q_SLOTS:
     void initTestCase();
     void faults_data();
     void faults();
+    void toolsHaveACodeOfTheirOwn();
     void cleanupTestCase();
 
 private:
@@ -158,6 +159,25 @@ void TestCommandMachineFaults::faults()
         }
         m_tried[QByteArray(fault.kind) + ' ' + fault.error + fault.times] += int(calls.size());
     }
+}
+
+/// From the time on when it is known that it is one that runs a tool.
+void TestCommandMachineFaults::toolsHaveACodeOfTheirOwn()
+{
+    const QStringList arguments = {text("add"), text("--no-such-option")};
+    Result faultless;
+    const int count = countCalls(arguments, faultless).value("alloc");
+    QCOMPARE(faultless.outcome.exitCode, 124);
+    int ended = 0;
+    for (int call = count - 20; call <= count; call += 5) {
+        const Outcome outcome =
+            run(arguments, QStringLiteral("alloc ENOMEM %1+").arg(call)).outcome;
+        if (!outcome.errors.endsWith("tresk: out of memory\n"))
+            continue;
+        ++ended;
+        QCOMPARE(outcome.exitCode, 125);
+    }
+    QVERIFY(ended > 0);
 }
 
 void TestCommandMachineFaults::cleanupTestCase()
