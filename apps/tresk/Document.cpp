@@ -139,10 +139,10 @@ void Document::warn(const SectionTag& step, const QString& remark) const
     reportWarning(m_name, describe(step) + QStringLiteral(": ") + remark);
 }
 
-QString Document::extentProblem() const
+QString Document::extentProblem(const TreskParser& parser, qint64 size)
 {
-    const qint64 steps = countBeyond(m_parser.getSections(), m_size);
-    const qint64 files = countBeyond(m_parser.getFiles(), m_size);
+    const qint64 steps = countBeyond(parser.getSections(), size);
+    const qint64 files = countBeyond(parser.getFiles(), size);
     QStringList what;
     if (steps > 0)
         what += counted(steps, QStringLiteral("step"));
@@ -162,10 +162,10 @@ bool Document::checkExtent() const
     return problem.isEmpty();
 }
 
-QString Document::chainProblem() const
+QString Document::chainProblem(const TreskParser& parser)
 {
-    const int steps = m_parser.getNumSections();
-    if (steps == 0 || m_parser.getSection(steps - 1)->previousmarker < 0)
+    const int steps = parser.getNumSections();
+    if (steps == 0 || parser.getSection(steps - 1)->previousmarker < 0)
         return {};
     return QStringLiteral("the history is incomplete: the step before step %1 is not where its "
                           "marker says")

@@ -52,11 +52,15 @@ public:
 
     /// Of a document that has lost its end, how many steps or embedded files reach beyond it;
     /// empty if everything is within.
-    QString extentProblem() const;
+    QString extentProblem() const { return extentProblem(m_parser, m_size); }
+    /// The same of the document of @p size bytes that @p parser has open.
+    static QString extentProblem(const TreskParser& parser, qint64 size);
     /// Reports it and returns false if there is such a problem.
     bool checkExtent() const;
     /// Of a history that does not lead back to its first step, where it breaks off; empty else.
-    QString chainProblem() const;
+    QString chainProblem() const { return chainProblem(m_parser); }
+    /// The same of the document that @p parser has open.
+    static QString chainProblem(const TreskParser& parser);
     /// Reports it and returns false if there is such a problem.
     bool checkChain() const;
     /// What has kept the document from being read to its end since it was opened; nothing if

@@ -9,6 +9,9 @@
 #include "TemporaryFolder.h"
 #include "Text.h"
 
+#include <QFileInfo>
+#include <QSet>
+
 namespace tresk::cli {
 
 bool HistoryTree::read(const QString& path, const WorkflowTreeLimits& limits)
@@ -44,6 +47,8 @@ bool HistoryTree::read(const QString& path, const WorkflowTreeLimits& limits)
     if (hasGaps)
         document.report(QStringLiteral("a part of the documents embedded in it cannot be read"));
     m_isWhole = m_isWhole && texts.isEmpty() && !hasGaps;
+    reportDamaged(document, tree);
+    m_isWhole = document.checkExtent() && m_isWhole;
     m_isWhole = document.checkChain() && document.checkReading() && m_isWhole;
     return true;
 }
@@ -78,6 +83,29 @@ void HistoryTree::reportMissing(const Document& document,
             document.report(QStringLiteral("there is no history to be read in %1, which step %2 "
                                            "of the tree embeds")
                                 .arg(quoted(file.filename), QString::number(id)));
+        }
+    }
+}
+
+/// Reports the embedded documents in @p tree that have lost their ends or some of their steps.
+void HistoryTree::reportDamaged(const Document& document, WorkflowTree& tree)
+{
+    QSet<QString> examined = {document.parserPath()};
+    const QList<int> ids = tree.nodeIds();
+    for (const int id : ids) {
+        const QString path = tree.fileOnDisk(id);
+        if (examined.contains(path))
+            continue;
+        examined.insert(path);
+        const QSharedPointer<TreskParser> parser = tree.treskParser(id);
+        for (const QString& problem : {Document::extentProblem(*parser, QFileInfo(path).size()),
+                                       Document::chainProblem(*parser)}) {
+            if (problem.isEmpty())
+                continue;
+            m_isWhole = false;
+            document.report(
+                QStringLiteral("embedded document %1 (step %2 of the tree): %3")
+                    .arg(quoted(tree.treskfile(id)), QString::number(tree.parent(id)), problem));
         }
     }
 }

@@ -29,6 +29,7 @@ private:
     Q_DISABLE_COPY(HistoryTree)
 
     void reportMissing(const Document& document, const QList<WorkflowTreeOmission>& omitted);
+    void reportDamaged(const Document& document, WorkflowTree& tree);
 
     QString m_name;
     WorkflowTree m_tree;

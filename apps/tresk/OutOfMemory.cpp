@@ -43,6 +43,7 @@ int codeOfExit = exitTrouble;
 
 void endWhenOutOfMemory()
 {
+    // Cannot tell who could go on without, as std::stable_sort() could.
     std::set_new_handler(end);
     // Qt's containers do not come by the operator new.
     std::set_terminate(terminate);

@@ -1,5 +1,7 @@
 #include "TemporaryFolder.h"
 
+#include "Interruption.h"
+
 #include <QDir>
 #include <QFile>
 
@@ -21,10 +23,12 @@ TemporaryFolder::TemporaryFolder()
     : m_before(qgetenv(variable))
     , m_path(QFile::encodeName(QDir::tempPath()) + "/tresk-XXXXXX")
 {
+    const DelayedInterruption delayed;
     if (!mkdtemp(m_path.data()))
         return;
     current = this;
     m_directory = opendir(m_path.constData());
+    cleanUpWhenInterrupted(removeCurrent);
     if (m_directory)
         qputenv(variable, m_path);
 }
@@ -37,18 +41,23 @@ TemporaryFolder::~TemporaryFolder()
         qunsetenv(variable);
     else
         qputenv(variable, m_before);
+    const DelayedInterruption delayed;
     remove();
     if (m_directory)
         closedir(m_directory);
     current = nullptr;
+    endWhenInterrupted();
 }
 
 void TemporaryFolder::removeCurrent()
 {
+    const DelayedInterruption delayed;
     if (current)
         current->remove();
 }
 
+/// In a signal handler as well: nobody else reads the directory meanwhile, and the room to do so
+/// was taken when it was opened.
 void TemporaryFolder::remove()
 {
     if (m_directory) {

@@ -8,8 +8,9 @@
 namespace tresk::cli {
 
 /// A folder of its own for the temporary files that are made while it lives; they go with it, also
-/// where the program has to end at once and nobody is left to remove them. Where none can be
-/// made, files are made where they would be without it. There is one at a time.
+/// where the program has to end at once, because memory runs out or a signal comes (SIGHUP, SIGINT
+/// or SIGTERM), and nobody is left to remove them. Where none can be made, files are made where
+/// they would be without it. There is one at a time.
 class TemporaryFolder {
 public:
     TemporaryFolder();

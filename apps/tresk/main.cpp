@@ -74,6 +74,8 @@ int dispatch(Invocation& invocation, QStringList arguments, int position)
             arguments.removeAt(position - 1);
     }
     const int wrongUsage = command ? command->wrongUsage : exitTrouble;
+    if (wrongUsage != exitTrouble)
+        setOutOfMemoryCode(toolNotRun);
     if (!parseOptions(invocation.options, command, arguments))
         return wrongUsage;
     if (invocation.isSet("help")) {
@@ -88,8 +90,6 @@ int dispatch(Invocation& invocation, QStringList arguments, int position)
     if (!checkArguments(command, invocation.arguments))
         return wrongUsage;
     applyCommonOptions(invocation);
-    if (wrongUsage != exitTrouble)
-        setOutOfMemoryCode(toolNotRun);
     return runCommand(*command, invocation);
 }
 

@@ -245,10 +245,16 @@ bool FileIterator::readInto(QByteArray& bytes, qint64 pos, int len)
         bytes.clear();
         bytes = QByteArray(len, Qt::Uninitialized);
     }
-    const qint64 count = reopen() && m_file->seek(pos) ? m_file->read(bytes.data(), len) : -1;
+    int done = 0;
+    qint64 count = reopen() && m_file->seek(pos) ? 1 : -1;
+    // Of an error behind some bytes only the next call tells.
+    while (count > 0 && done < len) {
+        count = m_file->read(bytes.data() + done, len - done);
+        done += int(std::max<qint64>(count, 0));
+    }
     m_readFailed = m_readFailed || (m_file && count < 0);
-    bytes.truncate(int(std::max<qint64>(count, 0)));
-    return count > 0;
+    bytes.truncate(done);
+    return done > 0;
 }
 
 /// Loads up to @p len bytes from @p pos as the slice. False if there are none.

@@ -244,7 +244,7 @@ private:
     Outcome extract(const QStringList& options);
     void readTargetNames();
     bool plant(const QByteArray& kind, const QByteArray& entry, int number) const;
-    void checkTexts(const Outcome& outcome) const;
+    void checkTexts(const Outcome& outcome, int written) const;
 
     std::unique_ptr<TestDir> m_dir;
     QStringList m_names; ///< under which the files are written
@@ -284,15 +284,25 @@ void TestCommandExtractSafety::readTargetNames()
         m_names += value.toObject().value(text("path")).toString().mid(int(qstrlen("target/")));
 }
 
-void TestCommandExtractSafety::checkTexts(const Outcome& outcome) const
+/// Each name has its own line, also where there is a line break in it: @p written on standard
+/// output, the others on standard error.
+void TestCommandExtractSafety::checkTexts(const Outcome& outcome, int written) const
 {
-    for (const QByteArray& bytes : {outcome.output, outcome.errors}) {
-        QString shown = QString::fromUtf8(bytes);
-        QCOMPARE(shown.toUtf8(), bytes);
-        shown.remove(QLatin1Char('\n')); // ends a line
-        const QString shownSafely = shown;
-        QCOMPARE(shown.remove(unsafeCharacters()), shownSafely);
-    }
+    const auto check = [](const QByteArray& bytes, int count, const char* prefix, int width) {
+        QList<QByteArray> lines = bytes.split('\n');
+        QCOMPARE(lines.takeLast(), QByteArray());
+        QCOMPARE(int(lines.size()), count);
+        for (int id = 0; id < count; ++id) {
+            const QByteArray& line = lines.at(id);
+            const QByteArray number = QByteArray::number(id).rightJustified(width);
+            QVERIFY2(line.startsWith(prefix + number + ' '), line.constData());
+            const QString shown = QString::fromUtf8(line);
+            QCOMPARE(shown.toUtf8(), line);
+            QVERIFY2(!shown.contains(unsafeCharacters()), line.constData());
+        }
+    };
+    check(outcome.output, written, "", 3);
+    check(outcome.errors, int(m_names.size()) - written, "tresk: a.pdf: file ", 0);
 }
 
 void TestCommandExtractSafety::freshTarget()
@@ -300,7 +310,7 @@ void TestCommandExtractSafety::freshTarget()
     const QString target = path("work/target");
     const Snapshot before = snapshotOf(m_dir->path(QString()), target);
     const Outcome outcome = extract({});
-    checkTexts(outcome);
+    checkTexts(outcome, int(m_names.size()));
     QCOMPARE(outcome.errors, QByteArray());
     QCOMPARE(outcome.exitCode, 0);
     QCOMPARE(snapshotOf(m_dir->path(QString()), target), before);
@@ -385,7 +395,7 @@ void TestCommandExtractSafety::everyNameMeets()
     const Snapshot before = snapshotOf(target);
 
     const Outcome outcome = extract(force ? QStringList{text("--force")} : QStringList());
-    checkTexts(outcome);
+    checkTexts(outcome, isReplaced ? int(m_names.size()) : 0);
     QCOMPARE(outcome.exitCode, isReplaced ? 0 : 2);
     QCOMPARE(outcome.errors.count("cannot write "), isReplaced ? 0 : int(m_names.size()));
     if (isReplaced && kind == "hard link") {

@@ -5,8 +5,11 @@
 #include <TestFiles.h>
 
 #include <QDir>
+#include <QElapsedTimer>
 #include <QJsonArray>
 #include <QtTest>
+
+#include <csignal>
 
 using namespace tresktest;
 
@@ -25,10 +28,17 @@ private Q_SLOTS:
     void jsonAndDotExcludeEachOther();
     void noHistory();
     void brokenDocumentsInsideAreToldOf();
+    void damageIsToldOf_data();
+    void damageIsToldOf();
     void nothingStaysInTheTemporaryDirectory();
+    void nothingStaysBehindASignal_data();
+    void nothingStaysBehindASignal();
+    void ignoredSignalIsIgnored();
 
 private:
     Outcome tree(const QByteArray& document, const QStringList& options = {}) const;
+    QString writeLargeNested() const;
+    Outcome treeWithSignal(const QString& before, int number) const;
 
     TestDir m_dir;
 };
@@ -182,6 +192,45 @@ void TestCommandTree::brokenDocumentsInsideAreToldOf()
     QCOMPARE(outcome.exitCode, 2);
 }
 
+void TestCommandTree::damageIsToldOf_data()
+{
+    QTest::addColumn<QByteArray>("document");
+    QTest::addColumn<QByteArray>("message");
+    const QVector<SectionSpec> cutOff = {toldStep("one", "t").with("size", "9999")};
+    SectionSpec astray = toldStep("one", "t").with("previousmarker", "12");
+    astray.gap = QByteArray(20, '\n'); // farther than the neighbourhood that is searched
+    const QVector<SectionSpec> broken = {toldStep("lost", "t"), astray};
+    const auto embedding = [](const QVector<SectionSpec>& steps) {
+        return documentWith({toldStep("outer", "t", {embeddedDocument("b.tresk", steps)})});
+    };
+    const QByteArray beyond = "is cut off or damaged: 1 step would reach beyond its end\n";
+    const QByteArray incomplete = "the history is incomplete: the step before step 0 is not where "
+                                  "its marker says\n";
+    const QByteArray inside = "embedded document \"b.tresk\" (step 0 of the tree): ";
+    QTest::newRow("cut off") << documentWith(cutOff) << beyond;
+    QTest::newRow("broken chain") << documentWith(broken) << incomplete;
+    QTest::newRow("cut off inside") << embedding(cutOff) << inside + beyond;
+    QTest::newRow("broken chain inside") << embedding(broken) << inside + incomplete;
+}
+
+/// Also by `tresk diff`, which compares what there is.
+void TestCommandTree::damageIsToldOf()
+{
+    QFETCH(QByteArray, document);
+    QFETCH(QByteArray, message);
+    const Outcome shown = tree(document);
+    QCOMPARE(shown.errors, "tresk: some.pdf: " + message);
+    QCOMPARE(shown.exitCode, 2);
+    QVERIFY2(shown.output.contains("  one  (t)\n"), shown.output.constData());
+
+    const Outcome compared = Command({text("diff"), text("some.pdf"), text("some.pdf")})
+                                 .inDirectory(m_dir.path(QString()))
+                                 .run();
+    QCOMPARE(compared.errors, ("tresk: some.pdf: " + message).repeated(2));
+    QCOMPARE(compared.exitCode, 2);
+    QVERIFY2(compared.output.contains("the same"), compared.output.constData());
+}
+
 void TestCommandTree::nothingStaysInTheTemporaryDirectory()
 {
     const QString temporary = m_dir.path(text("temporary"));
@@ -192,6 +241,69 @@ void TestCommandTree::nothingStaysInTheTemporaryDirectory()
         Command({text("tree"), m_dir.path(text("some.pdf"))}).with(text("TMPDIR"), temporary).run();
     QVERIFY2(outcome.output.contains("1  two"), outcome.output.constData());
     QCOMPARE(entriesOf(temporary), QStringList());
+}
+
+/// A document that takes long enough to unpack for a signal to come in time.
+QString TestCommandTree::writeLargeNested() const
+{
+    FileSpec large = fileOfZeros(text("b.tresk"), qint64(500) * 1024 * 1024);
+    large.with("md5cfile", md5Hex(*large.stored)); // without which it is copied as it is
+    const QByteArray input = element("Filename", "b.tresk") + element("Embedded", "1")
+        + element("UncompressedSize", large.raw.value("filesize"))
+        + element("UncompressedMD5", md5Hex(large.content));
+    const FileSpec summary = summaryWith(element("InFile", input));
+    return m_dir.write(text("large.pdf"), documentWith(QVector<FileSpec>{large, summary}));
+}
+
+/// Has the shell do what @p before says, and sends the command the signal while there is a
+/// temporary file. What it ended with is told as the shell has it: 128 + the number of a signal.
+Outcome TestCommandTree::treeWithSignal(const QString& before, int number) const
+{
+    const QString temporary = m_dir.path(text("temporary"));
+    QDir().mkpath(temporary);
+    const auto interrupt = [this, &temporary, number](qint64) {
+        QElapsedTimer timer;
+        timer.start();
+        while (timer.elapsed() < 30000) {
+            const QStringList folders = entriesOf(temporary);
+            if (!folders.isEmpty()
+                && !entriesOf(temporary + QLatin1Char('/') + folders.first()).isEmpty())
+                break;
+            QTest::qSleep(1);
+        }
+        kill(readFile(m_dir.path(text("process"))).trimmed().toInt(), number);
+    };
+    const QString script = text("sh -c 'echo $$ >process; exec \"$@\"' sh \"$@\"; exit $?");
+    return Command({text("tree"), writeLargeNested()})
+        .with(text("TMPDIR"), temporary)
+        .inDirectory(m_dir.path(QString()))
+        .inShell(before + script)
+        .runWhile(interrupt);
+}
+
+void TestCommandTree::nothingStaysBehindASignal_data()
+{
+    QTest::addColumn<int>("number");
+    QTest::newRow("HUP") << SIGHUP;
+    QTest::newRow("INT") << SIGINT;
+    QTest::newRow("TERM") << SIGTERM;
+}
+
+void TestCommandTree::nothingStaysBehindASignal()
+{
+    QFETCH(int, number);
+    const Outcome outcome = treeWithSignal(text(""), number);
+    QCOMPARE(outcome.exitCode, 128 + number);
+    QCOMPARE(entriesOf(m_dir.path(text("temporary"))), QStringList());
+}
+
+void TestCommandTree::ignoredSignalIsIgnored()
+{
+    const Outcome outcome = treeWithSignal(text("trap '' HUP; "), SIGHUP);
+    QVERIFY2(outcome.errors.contains("there is no history to be read in"),
+             outcome.errors.constData());
+    QCOMPARE(outcome.exitCode, 2);
+    QCOMPARE(entriesOf(m_dir.path(text("temporary"))), QStringList());
 }
 
 QTEST_GUILESS_MAIN(TestCommandTree)

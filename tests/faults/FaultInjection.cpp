@@ -3,7 +3,8 @@
 // The environment variable TRESK_FAULT says which:
 //
 //     KIND ERROR N     the N-th call of this kind, counted from 1 on, fails with that error,
-//                      or moves fewer bytes than it was asked to (short)
+//                      or moves fewer bytes than it was asked to (short), or does that and has
+//                      the call behind it fail (torn)
 //     KIND ERROR N+    so do all behind it
 //     count FILE       none fails; when the program ends, the number of calls of each kind is
 //                      written to FILE, a line "KIND NUMBER" each
@@ -57,15 +58,17 @@ struct Error {
 };
 
 constexpr int shortCall = -1;
+constexpr int tornCall = -2;
 
-constexpr std::array<Error, 8> errors = {{{"EACCES", EACCES},
+constexpr std::array<Error, 9> errors = {{{"EACCES", EACCES},
                                           {"EINTR", EINTR},
                                           {"EIO", EIO},
                                           {"EMFILE", EMFILE},
                                           {"ENOMEM", ENOMEM},
                                           {"ENOSPC", ENOSPC},
                                           {"EPERM", EPERM},
-                                          {"short", shortCall}}};
+                                          {"short", shortCall},
+                                          {"torn", tornCall}}};
 
 std::array<std::atomic<unsigned long>, KindCount> counts = {};
 std::atomic<bool> counting = {false};
@@ -109,6 +112,11 @@ int fault(Kind kind)
     if (!counting)
         return 0;
     const unsigned long number = ++counts[kind];
+    if (kind == faultyKind && faultyError == tornCall && number >= faultyCall) {
+        if (number == faultyCall)
+            return shortCall;
+        return number == faultyCall + 1 || faultPersists ? EIO : 0;
+    }
     if (kind != faultyKind || number < faultyCall || (number > faultyCall && !faultPersists))
         return 0;
     return faultyError;

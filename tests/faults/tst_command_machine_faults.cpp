@@ -26,6 +26,7 @@ private Q_SLOTS:
     void initTestCase();
     void faults_data();
     void faults();
+    void toolsHaveACodeOfTheirOwn();
     void cleanupTestCase();
 
 private:
@@ -160,6 +161,25 @@ void TestCommandMachineFaults::faults()
     }
 }
 
+/// From the time on when it is known that it is one that runs a tool.
+void TestCommandMachineFaults::toolsHaveACodeOfTheirOwn()
+{
+    const QStringList arguments = {text("add"), text("--no-such-option")};
+    Result faultless;
+    const int count = countCalls(arguments, faultless).value("alloc");
+    QCOMPARE(faultless.outcome.exitCode, 124);
+    int ended = 0;
+    for (int call = count - 20; call <= count; call += 5) {
+        const Outcome outcome =
+            run(arguments, QStringLiteral("alloc ENOMEM %1+").arg(call)).outcome;
+        if (!outcome.errors.endsWith("tresk: out of memory\n"))
+            continue;
+        ++ended;
+        QCOMPARE(outcome.exitCode, 125);
+    }
+    QVERIFY(ended > 0);
+}
+
 void TestCommandMachineFaults::cleanupTestCase()
 {
     for (auto tried = m_tried.cbegin(); tried != m_tried.cend(); ++tried)
@@ -248,16 +268,17 @@ QByteArray TestCommandMachineFaults::problemOfFiles(const Result& result,
 QVector<TestCommandMachineFaults::Fault> TestCommandMachineFaults::allFaults()
 {
     QVector<Fault> faults = {
-        {"read", "EIO"},          {"read", "EIO", "+"},    {"read", "EINTR"},
-        {"read", "short"},        {"read", "short", "+"},  {"write", "ENOSPC"},
-        {"write", "ENOSPC", "+"}, {"write", "EIO"},        {"write", "EINTR"},
-        {"write", "short"},       {"write", "short", "+"}, {"open", "EACCES"},
-        {"open", "EMFILE"},       {"open", "EMFILE", "+"}, {"close", "EIO"},
-        {"close", "EINTR"},       {"stat", "EIO"},         {"stat", "EIO", "+"},
-        {"seek", "EIO"},          {"link", "EPERM"},       {"link", "EIO", "+"},
-        {"rename", "EIO"},        {"unlink", "EACCES"},    {"unlink", "EACCES", "+"},
-        {"makedir", "EACCES"},    {"makedir", "ENOSPC"},   {"readdir", "EACCES"},
-        {"mode", "EPERM"},        {"entropy", "EIO"}};
+        {"read", "EIO"},         {"read", "EIO", "+"},      {"read", "EINTR"},
+        {"read", "short"},       {"read", "short", "+"},    {"read", "torn"},
+        {"read", "torn", "+"},   {"write", "ENOSPC"},       {"write", "ENOSPC", "+"},
+        {"write", "EIO"},        {"write", "EINTR"},        {"write", "short"},
+        {"write", "short", "+"}, {"open", "EACCES"},        {"open", "EMFILE"},
+        {"open", "EMFILE", "+"}, {"close", "EIO"},          {"close", "EINTR"},
+        {"stat", "EIO"},         {"stat", "EIO", "+"},      {"seek", "EIO"},
+        {"link", "EPERM"},       {"link", "EIO", "+"},      {"rename", "EIO"},
+        {"unlink", "EACCES"},    {"unlink", "EACCES", "+"}, {"makedir", "EACCES"},
+        {"makedir", "ENOSPC"},   {"readdir", "EACCES"},     {"mode", "EPERM"},
+        {"entropy", "EIO"}};
     // The lists of Qt 6 do not look whether they got memory, and crash.
     if (QT_VERSION_MAJOR == 5)
         faults += {{"alloc", "ENOMEM"}, {"alloc", "ENOMEM", "+"}};

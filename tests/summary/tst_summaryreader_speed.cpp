@@ -1,14 +1,10 @@
-#include "Watched.h"
-
 #include <tresk/SummaryReader.h>
 
-#include <QElapsedTimer>
 #include <QLoggingCategory>
 #include <QTest>
 
 using tresk::Summary;
 using tresk::SummaryReader;
-using tresktest::isWatched;
 
 namespace {
 
@@ -26,8 +22,9 @@ const int many = 300 * 1000;
 
 } // namespace
 
-/// The time to read grows with the length of the text only, whatever stands in it. Where it
-/// grows with the square of the length, the worst of these texts take minutes.
+/// Long texts are read right, in a time that grows with their length only, whatever stands in
+/// them. Where it grew with the square of the length, the worst of these texts would take minutes,
+/// and the test would not end in the time that it has.
 class TestSummaryReaderSpeed : public QObject {
     Q_OBJECT
 
@@ -83,11 +80,8 @@ void TestSummaryReaderSpeed::texts()
     QFETCH(bool, found);
     const QString title = before + latin1("<Title>found</Title>");
     const QString step = QStringLiteral("<trxchange><Workflowstep>%1</Workflowstep></trxchange>");
-    QElapsedTimer timer;
-    timer.start();
     const Summary summary = SummaryReader().readSummary(step.arg(title));
     QCOMPARE(summary.title, found ? latin1("found") : QString());
-    QVERIFY2(isWatched() || timer.elapsed() < 10000, "took longer than ten seconds");
 }
 
 void TestSummaryReaderSpeed::distinctElements()
@@ -96,13 +90,10 @@ void TestSummaryReaderSpeed::distinctElements()
     QString attributes;
     for (int i = 0; i < 50 * 1000; ++i)
         attributes += QStringLiteral("<Attribute><Key>%1</Key></Attribute><a%1></a%1>").arg(i);
-    QElapsedTimer timer;
-    timer.start();
     const Summary summary = SummaryReader().readSummary(
         latin1("<trxchange><Workflowstep><UserAttributes>") + attributes
         + latin1("</UserAttributes></Workflowstep></trxchange>"));
     QCOMPARE(summary.userAttributeNames.size(), 50 * 1000);
-    QVERIFY2(isWatched() || timer.elapsed() < 10000, "took longer than ten seconds");
 }
 
 QTEST_GUILESS_MAIN(TestSummaryReaderSpeed)
