@@ -246,7 +246,7 @@ void TestCommandTree::nothingStaysInTheTemporaryDirectory()
 /// A document that takes long enough to unpack for a signal to come in time.
 QString TestCommandTree::writeLargeNested() const
 {
-    FileSpec large = fileOfZeros(text("b.tresk"), qint64(500) * 1024 * 1024);
+    FileSpec large = fileOfZeros(text("b.tresk"), qint64(200) * 1024 * 1024);
     large.with("md5cfile", md5Hex(*large.stored)); // without which it is copied as it is
     const QByteArray input = element("Filename", "b.tresk") + element("Embedded", "1")
         + element("UncompressedSize", large.raw.value("filesize"))

@@ -164,6 +164,8 @@ void TestCommandMachineFaults::faults()
 /// From the time on when it is known that it is one that runs a tool.
 void TestCommandMachineFaults::toolsHaveACodeOfTheirOwn()
 {
+    if (QT_VERSION_MAJOR > 5)
+        QSKIP("the lists of Qt 6 do not look whether they got memory, and crash");
     const QStringList arguments = {text("add"), text("--no-such-option")};
     Result faultless;
     const int count = countCalls(arguments, faultless).value("alloc");
