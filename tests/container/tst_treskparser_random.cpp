@@ -3,6 +3,7 @@
 #include "RandomDocument.h"
 #include "RecordText.h"
 #include "TestFiles.h"
+#include "Watched.h"
 
 #include <tresk/TreskParser.h>
 
@@ -13,6 +14,7 @@ using tresk::FileTag;
 using tresk::ParseMode;
 using tresk::SectionTag;
 using tresk::TreskParser;
+using tresktest::isWatched;
 using tresktest::ParserModel;
 using tresktest::TestDir;
 using tresktest::textOf;
@@ -109,7 +111,7 @@ void TestTreskParserRandom::documents()
 {
     QFETCH(quint32, seed);
     QRandomGenerator random(seed);
-    for (int i = 0; i < 50; ++i) {
+    for (int i = 0; i < (isWatched() ? 20 : 50); ++i) {
         compare(tresktest::randomDocument(random));
         if (QTest::currentTestFailed())
             return;
@@ -120,7 +122,7 @@ void TestTreskParserRandom::damagedDocuments()
 {
     QFETCH(quint32, seed);
     QRandomGenerator random(1000 + seed);
-    for (int i = 0; i < 20; ++i) {
+    for (int i = 0; i < (isWatched() ? 8 : 20); ++i) {
         const QByteArray document = tresktest::randomDocument(random);
         for (int j = 0; j < 8; ++j) {
             QByteArray damaged = document;

@@ -1,4 +1,5 @@
 #include "RandomPairings.h"
+#include "Watched.h"
 
 #include "tree/ExpectedCharges.h"
 #include "tree/OptionalMatching.h"
@@ -17,6 +18,7 @@ using tresk::PairingProblem;
 using tresk::PartialPairing;
 using tresk::Path;
 using tresktest::ComparedTrees;
+using tresktest::isWatched;
 using tresktest::ModelProblem;
 using tresktest::ModelTree;
 using tresktest::Prices;
@@ -262,7 +264,7 @@ void TestPartialPairing::nothingBecomesCheaperThanEstimated()
     QFETCH(const int, prices);
 
     RandomTrees random(quint32(prices) + 1);
-    for (int i = 0; i < 160; ++i) {
+    for (int i = 0; i < (isWatched() ? 60 : 160); ++i) {
         const QString wrong = wrongEstimateOf(
             random, problemWithRows(random, i < 140 ? 4 : 5, Prices(prices)));
         QVERIFY2(wrong.isEmpty(), qPrintable(wrong));
@@ -284,7 +286,7 @@ void TestPartialPairing::neitherDoesAnythingInDeepTrees()
     const std::vector<std::vector<int>> otherShapes = {
         {-1, 0, 1}, {-1, 0, 0}, {-1, 0, 1, 1}, {-1, 0, 1, 2}, {-1, -1, 1, 1}, {-1, 0, 0, 1}};
     RandomTrees random(quint32(prices) + 11);
-    for (int i = 0; i < 15; ++i) {
+    for (int i = 0; i < (isWatched() ? 6 : 15); ++i) {
         for (const std::vector<int>& shape : shapes) {
             const std::vector<int>& otherShape = otherShapes[std::size_t(random.number(0, 5))];
             const ModelProblem model = problemOfShapes(random, shape, otherShape, Prices(prices));
@@ -304,7 +306,7 @@ void TestPartialPairing::matchingsAreTheCheapest()
     QFETCH(const int, prices);
 
     RandomTrees random(quint32(prices) + 100);
-    for (int i = 0; i < 160; ++i) {
+    for (int i = 0; i < (isWatched() ? 60 : 160); ++i) {
         const ModelProblem model = problemWithRows(random, 6, Prices(prices));
         Trial trial(model);
         expectCharges(random, trial.problem);
@@ -334,7 +336,7 @@ void TestPartialPairing::completePairingsCostWhatTheirPathsCost()
 {
     RandomTrees random(31);
     int compared = 0;
-    for (int i = 0; i < 2000; ++i) {
+    for (int i = 0; i < (isWatched() ? 800 : 2000); ++i) {
         const ModelProblem model = problemWithRows(random, 8,
                                                    i % 2 == 0 ? Prices::Default : Prices::Quarters);
         // Parents that are in no tree cost what only the path knows.
