@@ -20,8 +20,8 @@ const QLatin1String summaryFilename("ws_summary.xml");
 constexpr int longestSummary = std::numeric_limits<int>::max() / 2
     - 64; // that all versions of Qt hold
 constexpr qint64 largestRatio = 1032; // of inflated to stored bytes that deflate reaches
-constexpr qint64 largestExcess = qint64(1024)
-    * 1024; // inflated before a stream is found to be longer
+// Inflated before a stream is found to be longer than its content is said to be.
+constexpr qint64 largestExcess = qint64(1024) * 1024;
 
 /// The stored bytes of @p file; none where they are not all inside the document.
 qint64 storedSize(TreskParser& parser, const FileTag& file)
