@@ -28,9 +28,12 @@ void printTable(Invocation& invocation, const StepFiles& stepFiles, const QVecto
 
     Table table(columns);
     for (const FileTag& file : stepFiles.files()) {
-        QStringList row = {QString::number(file.id),    steps[file.id].text(),
-                           numberOrDash(file.filesize), numberOrDash(file.cfilesize),
-                           shown(file.compression),     purposeText(purposes[file.id])};
+        QStringList row = {QString::number(file.id),
+                           stepFiles.areTooMany() ? QStringLiteral("?") : steps[file.id].text(),
+                           numberOrDash(file.filesize),
+                           numberOrDash(file.cfilesize),
+                           shown(file.compression),
+                           purposeText(purposes[file.id])};
         if (verbose)
             row += shown(file.filetype);
         row += shown(file.filename);
@@ -50,7 +53,7 @@ void printJson(Output& output, const Document& document, const StepFiles& stepFi
         for (const int id : steps[file.id].ids())
             ids += id;
         QJsonObject entry = fileJson(file, purposes[file.id]);
-        entry.insert(QStringLiteral("steps"), ids);
+        entry.insert(QStringLiteral("steps"), stepFiles.areTooMany() ? QJsonValue() : ids);
         files += entry;
     }
     writeJson(output,

@@ -129,7 +129,7 @@ void Finder::search(const QString& path, bool isNamed)
         fail(path, document.problem());
         return;
     }
-    if (shareTooManyFiles(StepFiles(document.parser()))) {
+    if (StepFiles(document.parser()).areTooMany()) {
         fail(path, QStringLiteral("its steps share too many files to be searched"));
         return;
     }

@@ -20,7 +20,7 @@ bool HistoryTree::read(const QString& path, const WorkflowTreeLimits& limits)
     Document document;
     if (!document.openWithSteps(path))
         return false;
-    if (shareTooManyFiles(StepFiles(document.parser()))) {
+    if (StepFiles(document.parser()).areTooMany()) {
         document.report(QStringLiteral("its steps share too many files to be taken apart"));
         return false;
     }

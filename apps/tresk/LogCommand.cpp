@@ -100,7 +100,7 @@ void LogPrinter::printOnOneLine(const SectionTag& step, const Summary& summary)
 /// How many files there are: inputs and outputs, if there is a summary, and embedded ones.
 QString LogPrinter::countedFiles(const SectionTag& step, const Summary& summary) const
 {
-    QString embedded = QStringLiteral("%1 embedded").arg(m_stepFiles.filesIn(step).size());
+    QString embedded = QStringLiteral("%1 embedded").arg(m_stepFiles.countIn(step));
     if (!summary.fromXml)
         return embedded;
     return QStringLiteral("%1 in, %2 out, %3")
@@ -144,7 +144,7 @@ QJsonObject listedStepJson(const SectionTag& step, const StepFiles& stepFiles,
         QJsonArray files;
         for (const int id : stepFiles.filesIn(step))
             files += fileJson(stepFiles.files()[id], purposes[id]);
-        object.insert(QStringLiteral("files"), files);
+        object.insert(QStringLiteral("files"), stepFiles.areTooMany() ? QJsonValue() : files);
     }
     return object;
 }

@@ -104,7 +104,8 @@ QJsonObject documentJson(const Document& document, const QList<SectionTag>& step
     for (const SectionTag& step : steps) {
         QJsonObject object = stepJson(step, summaries.of(step), stepFiles);
         object.insert(QStringLiteral("summary"), summaryJson(summaries.of(step)));
-        object.insert(QStringLiteral("files"), filesJson(summaries.filesOf(step)));
+        object.insert(QStringLiteral("files"),
+                      stepFiles.areTooMany() ? QJsonValue() : filesJson(summaries.filesOf(step)));
         array += object;
     }
     return {{QStringLiteral("document"), document.name()}, {QStringLiteral("steps"), array}};

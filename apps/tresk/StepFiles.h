@@ -19,20 +19,25 @@ public:
     const QList<SectionTag>& steps() const { return m_steps; }
     const QList<FileTag>& files() const { return m_files; }
 
-    /// The ids of the files that lie in the step, ascending.
+    /// Whether the steps reach back over each other so far that listing the files of each would
+    /// take memory and time without bound: a million files in all, or more, counted in each step.
+    bool areTooMany() const { return m_areTooMany; }
+    /// How many files lie in the step.
+    int countIn(const SectionTag& step) const { return m_counts[step.id]; }
+    /// The ids of the files that lie in the step, ascending; none where they are too many.
     QVector<int> filesIn(const SectionTag& step) const;
-    /// How many files have their markers in which step, all steps added up: more than there are
-    /// files where steps reach back over others. Found without looking at each.
-    qint64 memberships() const;
     /// The ids of the files that lie in no step, ascending.
     QVector<int> filesWithoutStep() const;
 
 private:
     std::pair<int, int> markersIn(const SectionTag& step) const;
+    void countFiles();
 
     QList<SectionTag> m_steps;
     QList<FileTag> m_files;
     QVector<int> m_filesWithoutStep;
+    QVector<int> m_counts; ///< by step
+    bool m_areTooMany;
 };
 
 /// Ids in ascending order, held as runs of consecutive ones. A step may reach back over all
@@ -51,7 +56,7 @@ private:
     QVector<std::pair<int, int>> m_runs;
 };
 
-/// For every embedded file the steps in which it lies.
+/// For every embedded file the steps in which it lies; none where they are too many.
 QVector<IdRuns> stepsOfFiles(const StepFiles& stepFiles);
 
 } // namespace tresk::cli

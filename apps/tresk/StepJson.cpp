@@ -27,18 +27,17 @@ QJsonArray attributesJson(const Record& record)
 
 QJsonObject stepJson(const SectionTag& step, const Summary& summary, const StepFiles& stepFiles)
 {
-    QJsonObject object = {
-        {QStringLiteral("id"), step.id},
-        {QStringLiteral("index"), jsonNumber(step.index)},
-        {QStringLiteral("size"), jsonNumber(step.size)},
-        {QStringLiteral("md5"), step.md5section},
-        {QStringLiteral("previousMd5"), step.previousmd5},
-        {QStringLiteral("position"), step.pos - 1},
-        {QStringLiteral("fileCount"), static_cast<int>(stepFiles.filesIn(step).size())},
-        {QStringLiteral("time"), jsonText(summary.timestamp)},
-        {QStringLiteral("tool"), jsonText(summary.tool)},
-        {QStringLiteral("user"), jsonText(summary.user)},
-        {QStringLiteral("host"), jsonText(summary.host)}};
+    QJsonObject object = {{QStringLiteral("id"), step.id},
+                          {QStringLiteral("index"), jsonNumber(step.index)},
+                          {QStringLiteral("size"), jsonNumber(step.size)},
+                          {QStringLiteral("md5"), step.md5section},
+                          {QStringLiteral("previousMd5"), step.previousmd5},
+                          {QStringLiteral("position"), step.pos - 1},
+                          {QStringLiteral("fileCount"), stepFiles.countIn(step)},
+                          {QStringLiteral("time"), jsonText(summary.timestamp)},
+                          {QStringLiteral("tool"), jsonText(summary.tool)},
+                          {QStringLiteral("user"), jsonText(summary.user)},
+                          {QStringLiteral("host"), jsonText(summary.host)}};
     insertText(object, QStringLiteral("title"), step.title);
     insertText(object, QStringLiteral("creator"), step.creator);
     insertText(object, QStringLiteral("version"), step.version);

@@ -19,15 +19,13 @@ const QLatin1String inFile("InFile");
 const QLatin1String outFile("OutFile");
 const QLatin1String summaryName("ws_summary.xml");
 
-constexpr qint64 mostMemberships = 1000000; // which take some 300 MB
-
 } // namespace
 
 Summaries::Summaries(Document& document, const StepFiles& stepFiles)
     : m_document(document)
     , m_stepFiles(stepFiles)
 {
-    if (!shareTooManyFiles(stepFiles))
+    if (!stepFiles.areTooMany())
         m_summaries = SummaryCreator().createSummaries(document.parser(), m_left);
 }
 
@@ -82,10 +80,10 @@ QStringList Summaries::purposes() const
 
 bool Summaries::checkMissing() const
 {
-    if (m_summaries.isEmpty()) {
-        m_document.warn(QStringLiteral("its steps share too many files, their summaries are not "
-                                       "read"));
-        return true;
+    if (m_stepFiles.areTooMany()) {
+        m_document.report(QStringLiteral("its steps share too many files, their summaries are not "
+                                         "read and their files not listed"));
+        return false;
     }
     const QList<int> left = m_left.unread + m_left.namingTooMany + m_left.withoutFiles;
     const QSet<int> tooLarge(left.begin(), left.end());
@@ -100,11 +98,6 @@ bool Summaries::checkMissing() const
     for (const QString& text : texts)
         m_document.report(text);
     return texts.isEmpty();
-}
-
-bool shareTooManyFiles(const StepFiles& stepFiles)
-{
-    return stepFiles.memberships() > mostMemberships;
 }
 
 int checkRead(Document& document, const Summaries& summaries)

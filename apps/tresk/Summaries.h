@@ -33,8 +33,8 @@ public:
     /// "OutFile" or "Undefined".
     QStringList purposes() const;
 
-    /// Warns of summaries that are there, but cannot be read, or that the steps share too many
-    /// files to make. Reports those that were too large and returns false if there were any.
+    /// Warns of summaries that are there, but cannot be read. Reports those that were too large, or
+    /// that the steps share too many files to make, and returns false if there were any.
     bool checkMissing() const;
 
 private:
@@ -43,10 +43,6 @@ private:
     SummaryBudget m_left; ///< of the usual one
     QList<Summary> m_summaries; ///< oldest first; empty if they were left out
 };
-
-/// Whether the steps share so many files that their summaries, which name each file of each step,
-/// would take too much memory.
-bool shareTooManyFiles(const StepFiles& stepFiles);
 
 /// Reports what reading the document and its summaries has shown: warns of summaries that
 /// cannot be read, and reports a document that has lost its end. Returns the exit code.

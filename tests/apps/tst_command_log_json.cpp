@@ -7,6 +7,9 @@
 #include <QJsonArray>
 #include <QtTest>
 
+#include <algorithm>
+#include <random>
+
 using namespace tresktest;
 
 /// `tresk log` for programs: --json and --jsonl.
@@ -24,6 +27,7 @@ private Q_SLOTS:
     void aLineForEachStep();
     void linesOfSeveralDocuments();
     void oneObjectIsOfOneDocument();
+    void filesAreCountedAsTheyAreListed();
 
 private:
     QJsonObject run(const QByteArray& document, const QStringList& options = {}) const;
@@ -41,6 +45,31 @@ QJsonObject firstStep(const QJsonObject& json)
 QByteArray documentOf(const SectionSpec& section)
 {
     return documentWith(QVector<SectionSpec>{section});
+}
+
+/// A document with steps that begin somewhere in those before them and end somewhere, and blocks
+/// of files that reach beyond them.
+QByteArray overlappingDocument(unsigned seed)
+{
+    std::mt19937 random(seed);
+    const auto below = [&random](int bound) { return int(random() % unsigned(bound)); };
+    DocumentWriter writer(headerLine() + '\n');
+    const int start = writer.position();
+    for (int i = 0; i < 12; ++i) {
+        SectionSpec section = step(QString::number(i));
+        for (int file = below(4); file > 0; --file) {
+            section.files += FileSpec::plain(text("f"), QByteArray(below(50), 'x'));
+            if (below(6) == 0)
+                section.files.last().with("blocksize", QByteArray::number(below(2000)));
+        }
+        if (below(2) == 0) // whose block ends where the region does
+            section.filesBehind = {FileSpec::plain(text("f"), "x")};
+        section.regionStart = start + below(writer.position() - start + 1);
+        if (below(3) == 0)
+            section.regionSize = below(3000);
+        writer.writeSection(section);
+    }
+    return writer.bytes();
 }
 
 } // namespace
@@ -221,6 +250,24 @@ void TestCommandLogJson::oneObjectIsOfOneDocument()
              QByteArray("tresk: log: --json and --jsonl exclude each other; "
                         "see 'tresk log --help'\n"));
     QCOMPARE(forms.exitCode, 2);
+}
+
+void TestCommandLogJson::filesAreCountedAsTheyAreListed()
+{
+    int largest = 0;
+    for (unsigned seed = 0; seed < 20; ++seed) {
+        const QString path = m_dir.write(text("overlapping.pdf"), overlappingDocument(seed));
+        const Outcome outcome = runTresk({text("log"), text("--json"), text("--files"), path});
+        const QJsonArray steps = jsonObject(outcome.output).value(text("steps")).toArray();
+        QVERIFY(!steps.isEmpty());
+        for (const QJsonValue& value : steps) {
+            const QJsonObject step = value.toObject();
+            const int count = step.value(text("fileCount")).toInt();
+            QCOMPARE(count, step.value(text("files")).toArray().size());
+            largest = std::max(largest, count);
+        }
+    }
+    QVERIFY(largest > 10);
 }
 
 QTEST_GUILESS_MAIN(TestCommandLogJson)
