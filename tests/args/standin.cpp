@@ -185,7 +185,9 @@ void leaveTalking(const std::string& path)
         return;
     alarm(longestLife / 4);
     std::signal(SIGPIPE, SIG_IGN);
-    const std::string text(1000000, '\n');
+    std::string text; // in long lines, so that the reader keeps up where it is slow
+    while (text.size() < 1000000)
+        text += std::string(999, 'x') + '\n';
     while (write(STDOUT_FILENO, text.data(), text.size()) > 0) { }
     stayUntilRemoved(path);
 }
