@@ -81,12 +81,15 @@ Command argsCommand()
             "The exit code is 0 if no error was reported, 1 if one was, and 2 if the file\n"
             "cannot be read. (The flags of files, all but thumbnail, are always reported,\n"
             "although they count.)\n",
+            "tresk args report.args\n"
+            "tresk args -D TRIAL=017 report.args\n",
             {variableOption(),
              {0, "highlight", nullptr, "list the tokens of the file instead"},
              {0, "json", nullptr, "print one JSON object instead"}},
             {"FILE"},
             1,
-            runArgs};
+            runArgs,
+            {ValueKind::File}};
 }
 
 } // namespace tresk::cli

@@ -5,6 +5,8 @@
 #include <QCommandLineOption>
 #include <QCommandLineParser>
 
+#include <algorithm>
+
 namespace tresk::cli {
 
 namespace {
@@ -37,10 +39,31 @@ QString parseError(const QCommandLineParser& parser)
     return text.left(1).toLower() + text.mid(1);
 }
 
-bool isColourSetting(const QString& value)
+/// The first of @p options whose value is none of its choices; null if there is none.
+const Option* wrongChoice(const QCommandLineParser& parser, const std::vector<Option>& options)
 {
-    return value == QLatin1String("auto") || value == QLatin1String("always")
-        || value == QLatin1String("never");
+    const auto isWrong = [&](const Option& option) {
+        const QString name = QLatin1String(option.name);
+        if (option.kind != ValueKind::Choice || !parser.isSet(name))
+            return false;
+        const QString value = parser.value(name);
+        return std::none_of(option.choices.begin(), option.choices.end(),
+                            [&](const char* choice) { return value == QLatin1String(choice); });
+    };
+    const auto found = std::find_if(options.begin(), options.end(), isWrong);
+    return found == options.end() ? nullptr : &*found;
+}
+
+/// Such as "a, b and c".
+QString listed(const std::vector<const char*>& words)
+{
+    QString text = QLatin1String(words.front());
+    for (size_t i = 1; i < words.size(); ++i) {
+        const bool isLast = i + 1 == words.size();
+        text += isLast ? QStringLiteral(" and ") : QStringLiteral(", ");
+        text += QLatin1String(words[i]);
+    }
+    return text;
 }
 
 } // namespace
@@ -50,7 +73,12 @@ const std::vector<Option>& commonOptions()
     static const std::vector<Option> options = {
         {'q', "quiet", nullptr, "say nothing but errors, show no progress"},
         {'v', "verbose", nullptr, "show more, and the library's log on standard error"},
-        {0, "color", "WHEN", "colour the output: auto (the default), always, never"},
+        {0,
+         "color",
+         "WHEN",
+         "colour the output: auto (the default), always, never",
+         ValueKind::Choice,
+         {"auto", "always", "never"}},
         {'h', "help", nullptr, "show this help"},
         {0, "version", nullptr, "show the version"},
     };
@@ -78,14 +106,15 @@ bool parseOptions(QCommandLineParser& parser, const Command* command, const QStr
         reportUsage(command, parseError(parser));
         return false;
     }
-    const QString colour = QStringLiteral("color");
-    if (parser.isSet(colour) && !isColourSetting(parser.value(colour))) {
-        reportUsage(
-            command,
-            QStringLiteral("'%1' is none of auto, always and never").arg(parser.value(colour)));
-        return false;
-    }
-    return true;
+    const Option* wrong = wrongChoice(parser, commonOptions());
+    if (!wrong && command)
+        wrong = wrongChoice(parser, command->options);
+    if (!wrong)
+        return true;
+    reportUsage(command,
+                QStringLiteral("'%1' is none of %2")
+                    .arg(parser.value(QLatin1String(wrong->name)), listed(wrong->choices)));
+    return false;
 }
 
 bool checkArguments(const Command* command, const QStringList& arguments)

@@ -18,12 +18,23 @@ enum ExitCode { exitDone = 0, exitFailed = 1, exitTrouble = 2, exitSignal = 128 
 /// For a command that takes as many arguments as there are.
 constexpr int anyNumber = -1;
 
+/// What an option or an argument takes, for completion.
+enum class ValueKind {
+    Text, ///< something that cannot be guessed
+    File,
+    Directory,
+    Choice, ///< one of the option's choices, which is checked
+    Command, ///< the name of one
+};
+
 /// An option of a command.
 struct Option {
     char letter; ///< for `-x`; 0 for none
     const char* name; ///< for `--name`
     const char* value; ///< what its value is called; null if it has none
     const char* purpose; ///< for the help text
+    ValueKind kind = ValueKind::Text;
+    std::vector<const char*> choices = {};
 };
 
 /// A subcommand: what it takes, what it says of itself and what it does.
@@ -32,10 +43,12 @@ struct Command {
     const char* purpose; ///< one line
     const char* arguments; ///< as in the usage line, such as "DOC FILE"
     const char* description; ///< for its own help text; lines end with line feeds
+    const char* example; ///< one or two lines for a shell in a directory with the samples
     std::vector<Option> options; ///< besides those that all commands have
     std::vector<const char*> required; ///< what its arguments are, as messages call them
     int most; ///< number of arguments it takes, those that are not required included
     int (*run)(Invocation& invocation); ///< returns the exit code
+    std::vector<ValueKind> argumentKinds = {}; ///< in their order; the last is that of the rest
     int wrongUsage = exitTrouble; ///< exit code where it is used wrongly
 };
 

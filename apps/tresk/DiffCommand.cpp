@@ -78,13 +78,16 @@ Command diffCommand()
             "\n"
             "Each document is read within limits, which are those of 'tresk tree'; what would\n"
             "go beyond them is left out and reported, and the exit code is 2.\n",
+            "tresk diff minimal.pdf nested.pdf\n"
+            "tresk diff -n 3 minimal.pdf nested.pdf  # three ways of pairing them\n",
             withTreeLimits(
                 {{'n', "number", "N", "show the N best ways of pairing the steps, best first"},
                  {0, "dot", nullptr, "print a graph for Graphviz instead, of the best way"},
                  {0, "json", nullptr, "print one JSON object instead"}}),
             {"A", "B"},
             2,
-            runDiff};
+            runDiff,
+            {ValueKind::File}};
 }
 
 } // namespace tresk::cli

@@ -269,13 +269,16 @@ Command extractCommand()
             "A file whose content does not fit what the document says of it is not written;\n"
             "the other ones are, and the exit code is 2. Checksums are compared with --verify\n"
             "only: what was written is read back, and a file that differs does not stay.\n",
-            {{'C', "directory", "DIR", "where to write; has to be given"},
+            "tresk extract report.pdf -C files  # all\n"
+            "tresk extract --verify report.pdf plot.py 9 -C sources\n",
+            {{'C', "directory", "DIR", "where to write; has to be given", ValueKind::Directory},
              {'f', "force", nullptr, "replace files that exist, and symbolic links themselves"},
              {0, "verify", nullptr, "compare the checksums of what was written"},
              {0, "json", nullptr, "print one JSON object instead of a line per file"}},
             {"DOC"},
             anyNumber,
-            runExtract};
+            runExtract,
+            {ValueKind::File, ValueKind::Text}};
 }
 
 } // namespace tresk::cli

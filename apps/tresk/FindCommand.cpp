@@ -311,6 +311,8 @@ Command findCommand()
             "of it, and the others, are searched nevertheless. So it is if the summaries of a\n"
             "document unpack to more than they may: a number of bytes, or one with KiB, MiB\n"
             "or GiB behind it. Embedded files are not looked into.\n",
+            "tresk find spectrum .\n"
+            "tresk find \"s:user == 'asato' && f:filename %matches '*.csv'\" *.pdf\n",
             {summaryLimitOption(),
              {'0', "null", nullptr, "print paths as they are, each with a NUL byte behind it"},
              {0, "count", nullptr, "print how many documents were found, not their paths"},
@@ -319,7 +321,8 @@ Command findCommand()
              {0, "jsonl", nullptr, "print a JSON object for each document, one a line"}},
             {"QUERY", "DOC or DIR"},
             anyNumber,
-            runFind};
+            runFind,
+            {ValueKind::Text, ValueKind::File}};
 }
 
 } // namespace tresk::cli

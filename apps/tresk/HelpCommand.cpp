@@ -10,6 +10,10 @@ const char* const introduction =
     "that these embedded in it. Documents are never changed, but by the tools\n"
     "that add and undo run.\n";
 
+const char* const generalExample = "tresk log report.pdf\n"
+                                   "tresk extract report.pdf -C files\n"
+                                   "tresk find spectrum *.pdf\n";
+
 const char* const exitCodes =
     "Exit codes:\n"
     "  0    done\n"
@@ -42,6 +46,17 @@ QString optionList(const std::vector<Option>& options)
     return text;
 }
 
+/// The lines of @p example under their heading.
+QString exampleList(const char* example)
+{
+    const QStringList lines = QString::fromLatin1(example).split(QLatin1Char('\n'));
+    const QString margin = QStringLiteral("\n  ");
+    // The last line feed has made a line too many.
+    const QString heading = lines.size() == 2 ? QStringLiteral("\nExample:")
+                                              : QStringLiteral("\nExamples:");
+    return heading + margin + lines.mid(0, lines.size() - 1).join(margin) + QLatin1Char('\n');
+}
+
 int runHelp(Invocation& invocation)
 {
     if (invocation.arguments.isEmpty()) {
@@ -67,6 +82,7 @@ QString generalHelp()
     text += QStringLiteral("\nOptions of all commands:\n");
     text += optionList(commonOptions());
     text += QLatin1Char('\n') + QLatin1String(exitCodes);
+    text += exampleList(generalExample);
     text += QStringLiteral("\n'tresk COMMAND --help' explains a command.\n");
     return text;
 }
@@ -80,6 +96,7 @@ QString helpFor(const Command& command)
         text += QStringLiteral("\nOptions:\n");
         text += optionList(command.options);
     }
+    text += exampleList(command.example);
     text += QStringLiteral("\nOptions of all commands:\n");
     text += optionList(commonOptions());
     text += QLatin1Char('\n') + QLatin1String(exitCodes);
@@ -88,10 +105,16 @@ QString helpFor(const Command& command)
 
 Command helpCommand()
 {
-    return {"help",      "explain a command",
-            "[COMMAND]", "Explains the command, or lists all commands.\n",
-            {},          {},
-            1,           runHelp};
+    return {"help",
+            "explain a command",
+            "[COMMAND]",
+            "Explains the command, or lists all commands.\n",
+            "tresk help find\n",
+            {},
+            {},
+            1,
+            runHelp,
+            {ValueKind::Command}};
 }
 
 } // namespace tresk::cli

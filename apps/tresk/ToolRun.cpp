@@ -109,7 +109,8 @@ const char* const toolDescription =
 
 std::vector<Option> toolOptions()
 {
-    return {{0, "search-path", "DIR", "look for the tool here too; may be given several times"},
+    return {{0, "search-path", "DIR", "look for the tool here too; may be given several times",
+             ValueKind::Directory},
             {0, "script", nullptr, "run the tool's Python script with python3"}};
 }
 

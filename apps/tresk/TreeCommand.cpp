@@ -148,11 +148,14 @@ Command treeCommand()
             "left out and reported, and the exit code is 2. Levels are 200 at most. What may be\n"
             "unpacked is a number of bytes, or one with KiB, MiB or GiB behind it, and counts\n"
             "for embedded documents and summaries, which have 64MiB of it unless it is given.\n",
+            "tresk tree nested.pdf\n"
+            "tresk tree --dot nested.pdf > tree.dot\n",
             withTreeLimits({{0, "dot", nullptr, "print a graph for Graphviz instead"},
                             {0, "json", nullptr, "print one JSON object instead"}}),
             {"DOC"},
             1,
-            runTree};
+            runTree,
+            {ValueKind::File}};
 }
 
 } // namespace tresk::cli

@@ -256,10 +256,13 @@ Command verifyCommand()
             "\n"
             "The exit code is 0 if all is right, 1 if something fails, and 2 if a document\n"
             "has no history or cannot be read. Checksums show damage, not forgery.\n",
+            "tresk verify *.pdf\n"
+            "tresk verify -q report.pdf && echo intact\n",
             {{0, "json", nullptr, "print one JSON object instead"}},
             {"DOC"},
             anyNumber,
-            runVerify};
+            runVerify,
+            {ValueKind::File}};
 }
 
 } // namespace tresk::cli
