@@ -43,6 +43,7 @@ Command addCommand()
             1,
             runAdd,
             {ValueKind::File},
+            toolExits(),
             toolWrongUsage};
 }
 

@@ -6,6 +6,7 @@
 #include <QCommandLineParser>
 
 #include <algorithm>
+#include <cstdlib>
 
 namespace tresk::cli {
 
@@ -83,6 +84,29 @@ const std::vector<Option>& commonOptions()
         {0, "version", nullptr, "show the version"},
     };
     return options;
+}
+
+std::vector<ExitMeaning> exitMeanings(const Command& command)
+{
+    // Those of a tool that is run leave no room for the usual ones.
+    if (command.wrongUsage != exitTrouble)
+        return command.exits;
+    std::vector<ExitMeaning> all = {
+        {"0", "done"},
+        {"2", "trouble: wrong usage, a document that cannot be read or is damaged"},
+        {"141", "the reader of the output has gone away"},
+    };
+    for (const ExitMeaning& exit : command.exits) {
+        const int code = std::atoi(exit.codes);
+        const auto place = std::find_if(all.begin(), all.end(), [&](const ExitMeaning& other) {
+            return std::atoi(other.codes) >= code;
+        });
+        if (place != all.end() && std::atoi(place->codes) == code)
+            *place = exit;
+        else
+            all.insert(place, exit);
+    }
+    return all;
 }
 
 int findCommand(const QStringList& arguments)

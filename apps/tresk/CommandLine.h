@@ -11,8 +11,8 @@ namespace tresk::cli {
 
 struct Invocation;
 
-/// Exit codes, as `tresk --help` lists them. A signal that ends a command adds its number to
-/// exitSignal. Of several the largest counts.
+/// Exit codes. A signal that ends a command adds its number to exitSignal. Of several the largest
+/// counts.
 enum ExitCode { exitDone = 0, exitFailed = 1, exitTrouble = 2, exitSignal = 128 };
 
 /// For a command that takes as many arguments as there are.
@@ -37,6 +37,12 @@ struct Option {
     std::vector<const char*> choices = {};
 };
 
+/// What an exit code of a command means to its user.
+struct ExitMeaning {
+    const char* codes; ///< such as "2" or "124 to 127"
+    const char* meaning;
+};
+
 /// A subcommand: what it takes, what it says of itself and what it does.
 struct Command {
     const char* name;
@@ -49,11 +55,15 @@ struct Command {
     int most; ///< number of arguments it takes, those that are not required included
     int (*run)(Invocation& invocation); ///< returns the exit code
     std::vector<ValueKind> argumentKinds = {}; ///< in their order; the last is that of the rest
+    std::vector<ExitMeaning> exits = {}; ///< where they differ from those that most commands have
     int wrongUsage = exitTrouble; ///< exit code where it is used wrongly
 };
 
 /// The options that every command has.
 const std::vector<Option>& commonOptions();
+
+/// All exit codes of @p command, in their order.
+std::vector<ExitMeaning> exitMeanings(const Command& command);
 
 /// Finds where the command stands in @p arguments (the program's name first): behind the
 /// common options. Its index, or the number of arguments if there is no command. Reports an

@@ -1,6 +1,9 @@
 #include "Commands.h"
 #include "Invocation.h"
 
+#include <algorithm>
+#include <cstring>
+
 namespace tresk::cli {
 
 namespace {
@@ -14,35 +17,32 @@ const char* const generalExample = "tresk log report.pdf\n"
                                    "tresk extract report.pdf -C files\n"
                                    "tresk find spectrum *.pdf\n";
 
-const char* const exitCodes =
-    "Exit codes:\n"
-    "  0    done\n"
-    "  1    a checksum is wrong or missing, or what it is for damaged; nothing found\n"
-    "  2    trouble: wrong usage, a document that cannot be read or is damaged,\n"
-    "       a file that could not be written\n"
-    "  129, 130, 143\n"
-    "       ended by the signal HUP, INT or TERM\n"
-    "  141  the reader of the output has gone away\n"
-    "Those of add and undo are others: that of the tool, or 124 to 127.\n";
+const char* const closing =
+    "Exit codes: 0 done, 1 something is wrong, or nothing was found, 2 trouble.\n"
+    "'tresk COMMAND --help' explains a command, and 'man tresk-COMMAND' does.\n";
 
 QString entry(const QString& name, const char* purpose, int width)
 {
     return QStringLiteral("  %1  %2\n").arg(name.leftJustified(width), QLatin1String(purpose));
 }
 
+/// Such as "-o, --output=FILE".
+QString optionForms(const Option& option)
+{
+    QString forms = option.letter != 0 ? QStringLiteral("-%1, ").arg(QLatin1Char(option.letter))
+                                       : QStringLiteral("    ");
+    forms += QStringLiteral("--") + QLatin1String(option.name);
+    return option.value ? forms + QLatin1Char('=') + QLatin1String(option.value) : forms;
+}
+
 QString optionList(const std::vector<Option>& options)
 {
-    const int width = 21;
+    int width = 0;
+    for (const Option& option : options)
+        width = std::max(width, static_cast<int>(optionForms(option).size()));
     QString text;
-    for (const Option& option : options) {
-        QString name = QStringLiteral("    ");
-        if (option.letter != 0)
-            name = QStringLiteral("-%1, ").arg(QLatin1Char(option.letter));
-        name += QStringLiteral("--") + QLatin1String(option.name);
-        if (option.value)
-            name += QLatin1Char('=') + QLatin1String(option.value);
-        text += entry(name, option.purpose, width);
-    }
+    for (const Option& option : options)
+        text += entry(optionForms(option), option.purpose, width);
     return text;
 }
 
@@ -55,6 +55,33 @@ QString exampleList(const char* example)
     const QString heading = lines.size() == 2 ? QStringLiteral("\nExample:")
                                               : QStringLiteral("\nExamples:");
     return heading + margin + lines.mid(0, lines.size() - 1).join(margin) + QLatin1Char('\n');
+}
+
+QString exitList(const Command& command)
+{
+    const std::vector<ExitMeaning> exits = exitMeanings(command);
+    int width = 0;
+    for (const ExitMeaning& exit : exits)
+        width = std::max(width, static_cast<int>(std::strlen(exit.codes)));
+    QString text = QStringLiteral("\nExit codes:\n");
+    for (const ExitMeaning& exit : exits)
+        text += entry(QLatin1String(exit.codes), exit.meaning, width);
+    return text;
+}
+
+/// The options that all commands have, each in its shortest form.
+QString commonOptionLine()
+{
+    QStringList forms;
+    for (const Option& option : commonOptions()) {
+        QString form = option.letter != 0 ? QStringLiteral("-%1").arg(QLatin1Char(option.letter))
+                                          : QStringLiteral("--") + QLatin1String(option.name);
+        if (option.value)
+            form += QLatin1Char('=') + QLatin1String(option.value);
+        forms += form;
+    }
+    return QStringLiteral("\nAll commands have %1; see 'tresk --help'.\n")
+        .arg(forms.join(QStringLiteral(", ")));
 }
 
 int runHelp(Invocation& invocation)
@@ -81,9 +108,8 @@ QString generalHelp()
         text += entry(QLatin1String(command.name), command.purpose, 7);
     text += QStringLiteral("\nOptions of all commands:\n");
     text += optionList(commonOptions());
-    text += QLatin1Char('\n') + QLatin1String(exitCodes);
     text += exampleList(generalExample);
-    text += QStringLiteral("\n'tresk COMMAND --help' explains a command.\n");
+    text += QLatin1Char('\n') + QLatin1String(closing);
     return text;
 }
 
@@ -97,9 +123,8 @@ QString helpFor(const Command& command)
         text += optionList(command.options);
     }
     text += exampleList(command.example);
-    text += QStringLiteral("\nOptions of all commands:\n");
-    text += optionList(commonOptions());
-    text += QLatin1Char('\n') + QLatin1String(exitCodes);
+    text += exitList(command);
+    text += commonOptionLine();
     return text;
 }
 
@@ -114,7 +139,8 @@ Command helpCommand()
             {},
             1,
             runHelp,
-            {ValueKind::Command}};
+            {ValueKind::Command},
+            {{"2", "trouble: wrong usage"}}};
 }
 
 } // namespace tresk::cli

@@ -97,6 +97,7 @@ Command undoCommand()
             1,
             runUndo,
             {ValueKind::File},
+            toolExits(),
             toolWrongUsage};
 }
 
