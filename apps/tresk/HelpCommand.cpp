@@ -8,15 +8,6 @@ namespace tresk::cli {
 
 namespace {
 
-const char* const introduction =
-    "Shows the history that a document carries: the steps that made it, and the files\n"
-    "that these embedded in it. Documents are never changed, but by the tools\n"
-    "that add and undo run.\n";
-
-const char* const generalExample = "tresk log report.pdf\n"
-                                   "tresk extract report.pdf -C files\n"
-                                   "tresk find spectrum *.pdf\n";
-
 const char* const closing =
     "Exit codes: 0 done, 1 something is wrong, or nothing was found, 2 trouble.\n"
     "'tresk COMMAND --help' explains a command, and 'man tresk-COMMAND' does.\n";
@@ -98,6 +89,15 @@ int runHelp(Invocation& invocation)
 }
 
 } // namespace
+
+const char* const introduction =
+    "Shows the history that a document carries: the steps that made it, and the files\n"
+    "that these embedded in it. Documents are never changed, but by the tools\n"
+    "that add and undo run.\n";
+
+const char* const generalExample = "tresk log report.pdf\n"
+                                   "tresk extract report.pdf -C files\n"
+                                   "tresk find spectrum *.pdf\n";
 
 QString generalHelp()
 {
