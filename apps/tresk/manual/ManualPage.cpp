@@ -65,7 +65,7 @@ QString argumentText(const QString& arguments)
     return text;
 }
 
-QString optionForms(const Option& option)
+QString optionHeading(const Option& option)
 {
     QString forms = roff::bold(QStringLiteral("--") + latin(option.name));
     if (option.letter != 0) {
@@ -79,7 +79,7 @@ QString optionEntries(const std::vector<Option>& options)
 {
     QString text;
     for (const Option& option : options)
-        text += tagged(optionForms(option), roff::prose(latin(option.purpose)));
+        text += tagged(optionHeading(option), roff::prose(latin(option.purpose)));
     return text;
 }
 

@@ -1,3 +1,4 @@
+#include "Completion.h"
 #include "ManualPage.h"
 
 #include <Commands.h>
@@ -36,9 +37,29 @@ bool writePages(const QString& directory, const QString& date)
     return true;
 }
 
+/// Each file has the name by which its shell finds it.
+bool writeCompletions(const QString& directory)
+{
+    return writeFile(directory + QStringLiteral("/bash/tresk"), bash::completion())
+        && writeFile(directory + QStringLiteral("/fish/tresk.fish"), fish::completion())
+        && writeFile(directory + QStringLiteral("/zsh/_tresk"), zsh::completion());
+}
+
+bool makeDirectories(const QString& directory)
+{
+    for (const char* name : {"man1", "bash", "fish", "zsh"}) {
+        const QString path = directory + QLatin1Char('/') + QLatin1String(name);
+        if (!QDir().mkpath(path)) {
+            std::fprintf(stderr, "tresk_manual: %s: cannot be made\n", qPrintable(path));
+            return false;
+        }
+    }
+    return true;
+}
+
 } // namespace
 
-/// Writes the manual pages: tresk_manual DIRECTORY DATE
+/// Writes the manual pages and what shells complete: tresk_manual DIRECTORY DATE
 int main(int argc, char** argv)
 {
     if (argc != 3) {
@@ -47,6 +68,7 @@ int main(int argc, char** argv)
     }
     const QString directory = QString::fromLocal8Bit(argv[1]);
     const QString date = QString::fromLatin1(argv[2]);
-    const QString pages = directory + QStringLiteral("/man1");
-    return QDir().mkpath(pages) && writePages(pages, date) ? 0 : 1;
+    const bool written = makeDirectories(directory)
+        && writePages(directory + QStringLiteral("/man1"), date) && writeCompletions(directory);
+    return written ? 0 : 1;
 }
