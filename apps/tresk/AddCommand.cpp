@@ -37,10 +37,13 @@ Command addCommand()
             "run treskadd, which adds a step to a document",
             "ARGFILE",
             description.constData(),
+            "tresk add --search-path=tools report.args\n",
             toolOptions(),
             {"ARGFILE"},
             1,
             runAdd,
+            {ValueKind::File},
+            toolExits(),
             toolWrongUsage};
 }
 

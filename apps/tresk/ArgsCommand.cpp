@@ -67,26 +67,28 @@ Command argsCommand()
             "show what an argument file says",
             "FILE",
             "Shows the options for a run of treskadd that an argument file holds, as they are\n"
-            "understood, and a command line for them. What is wrong with them is reported.\n"
-            "Variables are left as they are unless -D gives one a value; those without a\n"
-            "value are empty then.\n"
+            "understood, and a command line for them. What is wrong with them is reported, as\n"
+            "are all flags of files but thumbnail, although they count. Variables are left\n"
+            "as they are unless -D gives one a value; those without a value are empty then.\n"
             "\n"
             "The command line is for people to read. Never give it to a shell unread: single\n"
             "quotes, #, ;, *, empty words and the like are not quoted, unless there is white\n"
             "space in the word, and control characters are written out; --json has the exact\n"
             "line. As an argument file it does not say quite the same: not understood are\n"
             "--firstpage, --readme, empty words, and words with ' or # and no white space,\n"
-            "and dollar signs that stand for themselves become twice as many.\n"
-            "\n"
-            "The exit code is 0 if no error was reported, 1 if one was, and 2 if the file\n"
-            "cannot be read. (The flags of files, all but thumbnail, are always reported,\n"
-            "although they count.)\n",
+            "and dollar signs that stand for themselves become twice as many.\n",
+            "tresk args report.args\n"
+            "tresk args -D TRIAL=017 report.args\n",
             {variableOption(),
              {0, "highlight", nullptr, "list the tokens of the file instead"},
              {0, "json", nullptr, "print one JSON object instead"}},
             {"FILE"},
             1,
-            runArgs};
+            runArgs,
+            {ValueKind::File},
+            {{"0", "no error is reported"},
+             {"1", "an error is reported"},
+             {"2", "trouble: wrong usage, or the file cannot be read"}}};
 }
 
 } // namespace tresk::cli

@@ -94,7 +94,7 @@ QString reasonWhyBroken(const QString& text)
 
 Option variableOption()
 {
-    return {'D', "define", "N=VALUE", "give variable N this value; may be given several times"};
+    return {'D', "define", "NAME=VALUE", "give variable NAME this value; may be repeated"};
 }
 
 QString ArgumentFile::define(const QStringList& definitions)

@@ -50,10 +50,13 @@ Command catCommand()
             "\n"
             "If the content turns out to be damaged, what comes before the damage has been\n"
             "written then, and the exit code is 2. Checksums are not compared.\n",
+            "tresk cat report.pdf run-017.csv > run.csv\n"
+            "tresk cat report.pdf 2 | head -n 5  # by its id\n",
             {},
             {"DOC", "FILE"},
             2,
-            runCat};
+            runCat,
+            {ValueKind::File, ValueKind::Text}};
 }
 
 } // namespace tresk::cli

@@ -5,6 +5,9 @@
 #include <QCommandLineOption>
 #include <QCommandLineParser>
 
+#include <algorithm>
+#include <cstdlib>
+
 namespace tresk::cli {
 
 namespace {
@@ -37,10 +40,31 @@ QString parseError(const QCommandLineParser& parser)
     return text.left(1).toLower() + text.mid(1);
 }
 
-bool isColourSetting(const QString& value)
+/// The first of @p options whose value is none of its choices; null if there is none.
+const Option* wrongChoice(const QCommandLineParser& parser, const std::vector<Option>& options)
 {
-    return value == QLatin1String("auto") || value == QLatin1String("always")
-        || value == QLatin1String("never");
+    const auto isWrong = [&](const Option& option) {
+        const QString name = QLatin1String(option.name);
+        if (option.kind != ValueKind::Choice || !parser.isSet(name))
+            return false;
+        const QString value = parser.value(name);
+        return std::none_of(option.choices.begin(), option.choices.end(),
+                            [&](const char* choice) { return value == QLatin1String(choice); });
+    };
+    const auto found = std::find_if(options.begin(), options.end(), isWrong);
+    return found == options.end() ? nullptr : &*found;
+}
+
+/// Such as "a, b and c".
+QString listed(const std::vector<const char*>& words)
+{
+    QString text = QLatin1String(words.front());
+    for (size_t i = 1; i < words.size(); ++i) {
+        const bool isLast = i + 1 == words.size();
+        text += isLast ? QStringLiteral(" and ") : QStringLiteral(", ");
+        text += QLatin1String(words[i]);
+    }
+    return text;
 }
 
 } // namespace
@@ -50,11 +74,39 @@ const std::vector<Option>& commonOptions()
     static const std::vector<Option> options = {
         {'q', "quiet", nullptr, "say nothing but errors, show no progress"},
         {'v', "verbose", nullptr, "show more, and the library's log on standard error"},
-        {0, "color", "WHEN", "colour the output: auto (the default), always, never"},
+        {0,
+         "color",
+         "WHEN",
+         "colour the output: auto (the default), always, never",
+         ValueKind::Choice,
+         {"auto", "always", "never"}},
         {'h', "help", nullptr, "show this help"},
         {0, "version", nullptr, "show the version"},
     };
     return options;
+}
+
+std::vector<ExitMeaning> exitMeanings(const Command& command)
+{
+    // Those of a tool that is run leave no room for the usual ones.
+    if (command.wrongUsage != exitTrouble)
+        return command.exits;
+    std::vector<ExitMeaning> all = {
+        {"0", "done"},
+        {"2", "trouble: wrong usage, a document that cannot be read or is damaged"},
+        {"141", "the reader of the output has gone away"},
+    };
+    for (const ExitMeaning& exit : command.exits) {
+        const int code = std::atoi(exit.codes);
+        const auto place = std::find_if(all.begin(), all.end(), [&](const ExitMeaning& other) {
+            return std::atoi(other.codes) >= code;
+        });
+        if (place != all.end() && std::atoi(place->codes) == code)
+            *place = exit;
+        else
+            all.insert(place, exit);
+    }
+    return all;
 }
 
 int findCommand(const QStringList& arguments)
@@ -78,14 +130,15 @@ bool parseOptions(QCommandLineParser& parser, const Command* command, const QStr
         reportUsage(command, parseError(parser));
         return false;
     }
-    const QString colour = QStringLiteral("color");
-    if (parser.isSet(colour) && !isColourSetting(parser.value(colour))) {
-        reportUsage(
-            command,
-            QStringLiteral("'%1' is none of auto, always and never").arg(parser.value(colour)));
-        return false;
-    }
-    return true;
+    const Option* wrong = wrongChoice(parser, commonOptions());
+    if (!wrong && command)
+        wrong = wrongChoice(parser, command->options);
+    if (!wrong)
+        return true;
+    reportUsage(command,
+                QStringLiteral("'%1' is none of %2")
+                    .arg(parser.value(QLatin1String(wrong->name)), listed(wrong->choices)));
+    return false;
 }
 
 bool checkArguments(const Command* command, const QStringList& arguments)

@@ -30,6 +30,10 @@ const std::vector<Command>& commands();
 /// The command called @p name; null, after an error was reported, if there is none.
 const Command* findCommandNamed(const QString& name);
 
+/// What `tresk --help` says of the commands together, and its examples.
+extern const char* const introduction;
+extern const char* const generalExample;
+
 /// What `tresk --help` prints.
 QString generalHelp();
 /// What `tresk NAME --help` prints.

@@ -64,27 +64,29 @@ int runDiff(Invocation& invocation)
 
 Command diffCommand()
 {
-    return {"diff",
-            "show how the steps of two documents correspond",
-            "A B",
-            "Pairs the steps of two histories, embedded documents included, at the lowest cost:\n"
-            "steps of other titles, tools and descriptions cost, and so do steps without a\n"
-            "counterpart or under another step. Shows the pairs and what changed in them, the\n"
-            "steps that only one document has, and the pairs that have moved.\n"
-            "\n"
-            "The exit code is 0 if the histories are the same, 1 if they differ, and 2 in case\n"
-            "of trouble. Where large histories differ so much that the best way of pairing\n"
-            "their steps takes too long to find, a good one is shown, and a warning says so.\n"
-            "\n"
-            "Each document is read within limits, which are those of 'tresk tree'; what would\n"
-            "go beyond them is left out and reported, and the exit code is 2.\n",
-            withTreeLimits(
-                {{'n', "number", "N", "show the N best ways of pairing the steps, best first"},
-                 {0, "dot", nullptr, "print a graph for Graphviz instead, of the best way"},
-                 {0, "json", nullptr, "print one JSON object instead"}}),
-            {"A", "B"},
-            2,
-            runDiff};
+    return {
+        "diff",
+        "show how the steps of two documents correspond",
+        "A B",
+        "Pairs the steps of two histories, embedded documents included, at the lowest\n"
+        "cost: steps of other titles, tools and descriptions cost, and so do steps\n"
+        "without a counterpart or under another step. Shows the pairs and what changed in\n"
+        "them, the steps that only one document has, and the pairs that have moved.\n"
+        "\n"
+        "Where large histories differ so much that the best way of pairing their steps\n"
+        "takes too long to find, a good one is shown, and a warning says so. What would\n"
+        "go beyond the limits, which are those of 'tresk tree', is left out and reported,\n"
+        "and the exit code is 2.\n",
+        "tresk diff minimal.pdf nested.pdf\n"
+        "tresk diff -n 3 minimal.pdf nested.pdf  # three ways of pairing them\n",
+        withTreeLimits({{'n', "number", "N", "show the N best ways of pairing steps, best first"},
+                        {0, "dot", nullptr, "print a graph for Graphviz instead, of the best way"},
+                        {0, "json", nullptr, "print one JSON object instead"}}),
+        {"A", "B"},
+        2,
+        runDiff,
+        {ValueKind::File},
+        {{"0", "the histories are the same"}, {"1", "the histories differ"}}};
 }
 
 } // namespace tresk::cli

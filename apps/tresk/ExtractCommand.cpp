@@ -258,24 +258,29 @@ Command extractCommand()
             "write embedded files to disk",
             "DOC [FILE]... -C DIR",
             "Writes embedded files of a document to the directory DIR, which is made if it\n"
-            "is missing: all of them, or those that FILE means, an id or a name as for\n"
-            "'tresk cat'.\n"
+            "is missing: all, or those that FILE means, an id or a name as for 'tresk cat'.\n"
             "\n"
             "A file is called as in the document, as far as that is safe: folders are left\n"
             "out, unprintable characters become '_', and names that are empty, reserved or\n"
             "used more than once are told apart by the id. Nothing is written outside of DIR,\n"
             "and nothing that exists is replaced without --force.\n"
             "\n"
-            "A file whose content does not fit what the document says of it is not written;\n"
-            "the other ones are, and the exit code is 2. Checksums are compared with --verify\n"
-            "only: what was written is read back, and a file that differs does not stay.\n",
-            {{'C', "directory", "DIR", "where to write; has to be given"},
+            "What does not fit what the document says of it is not written. Checksums are\n"
+            "compared with --verify only: what was written is read back, and a file that\n"
+            "differs does not stay.\n",
+            "tresk extract report.pdf -C files  # all\n"
+            "tresk extract --verify report.pdf plot.py 9 -C sources\n",
+            {{'C', "directory", "DIR", "where to write; has to be given", ValueKind::Directory},
              {'f', "force", nullptr, "replace files that exist, and symbolic links themselves"},
              {0, "verify", nullptr, "compare the checksums of what was written"},
              {0, "json", nullptr, "print one JSON object instead of a line per file"}},
             {"DOC"},
             anyNumber,
-            runExtract};
+            runExtract,
+            {ValueKind::File, ValueKind::Text},
+            {{"1", "with --verify: a checksum is wrong or missing"},
+             {"2", "trouble: wrong usage, a damaged document, a file not written"},
+             {"129, 130, 143", "ended by the signal HUP, INT or TERM, after cleaning up"}}};
 }
 
 } // namespace tresk::cli

@@ -89,10 +89,12 @@ Command filesCommand()
             "stored, compression, purpose and name. The purpose is what the summary of the\n"
             "step that embedded the file says: in, out, or '-' for neither. With --verbose\n"
             "there are also the type and the description.\n",
+            "tresk files report.pdf\n",
             {{0, "json", nullptr, "print one JSON object instead"}},
             {"DOC"},
             1,
-            runFiles};
+            runFiles,
+            {ValueKind::File}};
 }
 
 } // namespace tresk::cli

@@ -302,24 +302,26 @@ Command findCommand()
             "without a history are passed over, and so are symbolic links in directories.\n"
             "\n"
             "A word finds the documents that have it in any text of a step or a file; names,\n"
-            "attributes and comparisons ask for more, such as\n"
+            "attributes and comparisons ask for more. Embedded files are not looked into.\n"
             "\n"
-            "    f:filename %matches '*.csv' && f:filesize > 10mb && s:user == 'meier'\n"
-            "\n"
-            "The exit code is 0 if a document was found, 1 if none was, and 2 if the query is\n"
-            "not right, or a file could not be read or is cut off or damaged; what there is\n"
-            "of it, and the others, are searched nevertheless. So it is if the summaries of a\n"
-            "document unpack to more than they may: a number of bytes, or one with KiB, MiB\n"
-            "or GiB behind it. Embedded files are not looked into.\n",
+            "Of a document that is damaged, or whose summaries unpack to more than they may,\n"
+            "what there is of it is searched. SIZE is a number of bytes, or one with KiB, MiB\n"
+            "or GiB behind it.\n",
+            "tresk find spectrum .\n"
+            "tresk find \"f:filename %matches '*.csv' && s:user == 'asato'\" *.pdf\n",
             {summaryLimitOption(),
-             {'0', "null", nullptr, "print paths as they are, each with a NUL byte behind it"},
-             {0, "count", nullptr, "print how many documents were found, not their paths"},
+             {'0', "null", nullptr, "print paths unchanged, a NUL byte behind each"},
+             {0, "count", nullptr, "print the number of documents found instead"},
              {0, "bindings", nullptr, "show which step or file each name stands for"},
              {0, "json", nullptr, "print one JSON object instead"},
              {0, "jsonl", nullptr, "print a JSON object for each document, one a line"}},
             {"QUERY", "DOC or DIR"},
             anyNumber,
-            runFind};
+            runFind,
+            {ValueKind::Text, ValueKind::File},
+            {{"0", "a document was found"},
+             {"1", "no document was found"},
+             {"2", "trouble: wrong usage or query, a file that cannot be read or is damaged"}}};
 }
 
 } // namespace tresk::cli

@@ -1,45 +1,78 @@
 #include "Commands.h"
 #include "Invocation.h"
 
+#include <algorithm>
+#include <cstring>
+
 namespace tresk::cli {
 
 namespace {
 
-const char* const introduction =
-    "Shows the history that a document carries: the steps that made it, and the files\n"
-    "that these embedded in it. Documents are never changed, but by the tools\n"
-    "that add and undo run.\n";
-
-const char* const exitCodes =
-    "Exit codes:\n"
-    "  0    done\n"
-    "  1    a checksum is wrong or missing, or what it is for damaged; nothing found\n"
-    "  2    trouble: wrong usage, a document that cannot be read or is damaged,\n"
-    "       a file that could not be written\n"
-    "  129, 130, 143\n"
-    "       ended by the signal HUP, INT or TERM\n"
-    "  141  the reader of the output has gone away\n"
-    "Those of add and undo are others: that of the tool, or 124 to 127.\n";
+const char* const closing =
+    "Exit codes: 0 done, 1 something is wrong, or nothing was found, 2 trouble.\n"
+    "'tresk COMMAND --help' explains a command, and 'man tresk-COMMAND' does.\n";
 
 QString entry(const QString& name, const char* purpose, int width)
 {
     return QStringLiteral("  %1  %2\n").arg(name.leftJustified(width), QLatin1String(purpose));
 }
 
+/// Such as "-o, --output=FILE".
+QString optionForms(const Option& option)
+{
+    QString forms = option.letter != 0 ? QStringLiteral("-%1, ").arg(QLatin1Char(option.letter))
+                                       : QStringLiteral("    ");
+    forms += QStringLiteral("--") + QLatin1String(option.name);
+    return option.value ? forms + QLatin1Char('=') + QLatin1String(option.value) : forms;
+}
+
 QString optionList(const std::vector<Option>& options)
 {
-    const int width = 21;
+    int width = 0;
+    for (const Option& option : options)
+        width = std::max(width, static_cast<int>(optionForms(option).size()));
     QString text;
-    for (const Option& option : options) {
-        QString name = QStringLiteral("    ");
-        if (option.letter != 0)
-            name = QStringLiteral("-%1, ").arg(QLatin1Char(option.letter));
-        name += QStringLiteral("--") + QLatin1String(option.name);
-        if (option.value)
-            name += QLatin1Char('=') + QLatin1String(option.value);
-        text += entry(name, option.purpose, width);
-    }
+    for (const Option& option : options)
+        text += entry(optionForms(option), option.purpose, width);
     return text;
+}
+
+/// The lines of @p example under their heading.
+QString exampleList(const char* example)
+{
+    const QStringList lines = QString::fromLatin1(example).split(QLatin1Char('\n'));
+    const QString margin = QStringLiteral("\n  ");
+    // The last line feed has made a line too many.
+    const QString heading = lines.size() == 2 ? QStringLiteral("\nExample:")
+                                              : QStringLiteral("\nExamples:");
+    return heading + margin + lines.mid(0, lines.size() - 1).join(margin) + QLatin1Char('\n');
+}
+
+QString exitList(const Command& command)
+{
+    const std::vector<ExitMeaning> exits = exitMeanings(command);
+    int width = 0;
+    for (const ExitMeaning& exit : exits)
+        width = std::max(width, static_cast<int>(std::strlen(exit.codes)));
+    QString text = QStringLiteral("\nExit codes:\n");
+    for (const ExitMeaning& exit : exits)
+        text += entry(QLatin1String(exit.codes), exit.meaning, width);
+    return text;
+}
+
+/// The options that all commands have, each in its shortest form.
+QString commonOptionLine()
+{
+    QStringList forms;
+    for (const Option& option : commonOptions()) {
+        QString form = option.letter != 0 ? QStringLiteral("-%1").arg(QLatin1Char(option.letter))
+                                          : QStringLiteral("--") + QLatin1String(option.name);
+        if (option.value)
+            form += QLatin1Char('=') + QLatin1String(option.value);
+        forms += form;
+    }
+    return QStringLiteral("\nAll commands have %1; see 'tresk --help'.\n")
+        .arg(forms.join(QStringLiteral(", ")));
 }
 
 int runHelp(Invocation& invocation)
@@ -57,6 +90,15 @@ int runHelp(Invocation& invocation)
 
 } // namespace
 
+const char* const introduction =
+    "Shows the history that a document carries: the steps that made it, and the files\n"
+    "that these embedded in it. Documents are never changed, but by the tools\n"
+    "that add and undo run.\n";
+
+const char* const generalExample = "tresk log report.pdf\n"
+                                   "tresk extract report.pdf -C files\n"
+                                   "tresk find spectrum *.pdf\n";
+
 QString generalHelp()
 {
     QString text = QStringLiteral("Usage: tresk COMMAND [OPTION]... [ARGUMENT]...\n\n");
@@ -66,8 +108,8 @@ QString generalHelp()
         text += entry(QLatin1String(command.name), command.purpose, 7);
     text += QStringLiteral("\nOptions of all commands:\n");
     text += optionList(commonOptions());
-    text += QLatin1Char('\n') + QLatin1String(exitCodes);
-    text += QStringLiteral("\n'tresk COMMAND --help' explains a command.\n");
+    text += exampleList(generalExample);
+    text += QLatin1Char('\n') + QLatin1String(closing);
     return text;
 }
 
@@ -80,18 +122,25 @@ QString helpFor(const Command& command)
         text += QStringLiteral("\nOptions:\n");
         text += optionList(command.options);
     }
-    text += QStringLiteral("\nOptions of all commands:\n");
-    text += optionList(commonOptions());
-    text += QLatin1Char('\n') + QLatin1String(exitCodes);
+    text += exampleList(command.example);
+    text += exitList(command);
+    text += commonOptionLine();
     return text;
 }
 
 Command helpCommand()
 {
-    return {"help",      "explain a command",
-            "[COMMAND]", "Explains the command, or lists all commands.\n",
-            {},          {},
-            1,           runHelp};
+    return {"help",
+            "explain a command",
+            "[COMMAND]",
+            "Explains the command, or lists all commands.\n",
+            "tresk help find\n",
+            {},
+            {},
+            1,
+            runHelp,
+            {ValueKind::Command},
+            {{"2", "trouble: wrong usage"}}};
 }
 
 } // namespace tresk::cli

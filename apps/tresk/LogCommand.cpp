@@ -227,13 +227,16 @@ Command logCommand()
             "Lists the steps of a document's history, newest first: when, with which tool and\n"
             "by whom they were made, as their summaries say, and how many files they read and\n"
             "wrote, and how many are embedded. With --verbose also what their markers say.\n",
+            "tresk log report.pdf\n"
+            "tresk log --jsonl *.pdf > steps.jsonl  # for a database\n",
             {{0, "oneline", nullptr, "show each step on one line"},
              {0, "files", nullptr, "list the files of each step under it"},
              {0, "json", nullptr, "print one JSON object instead"},
              {0, "jsonl", nullptr, "print a JSON object for each step, on a line of its own"}},
             {"DOC"},
             anyNumber,
-            runLog};
+            runLog,
+            {ValueKind::File}};
 }
 
 } // namespace tresk::cli

@@ -158,10 +158,13 @@ Command showCommand()
             "\n"
             "Embedded files that the summary does not name come last. Of a step without a\n"
             "summary only what its marker says is shown. With --verbose that is shown, too.\n",
+            "tresk show report.pdf 0  # the newest step\n"
+            "tresk show --json report.pdf > history.json\n",
             {{0, "json", nullptr, "print one JSON object instead"}},
             {"DOC"},
             2,
-            runShow};
+            runShow,
+            {ValueKind::File, ValueKind::Text}};
 }
 
 } // namespace tresk::cli

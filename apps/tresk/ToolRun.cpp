@@ -101,15 +101,22 @@ int reportMissing(const Invocation& invocation, const QString& file)
 const char* const toolDescription =
     "What the tool prints is shown while it runs, errors and warnings on standard\n"
     "error. The tool lies in the directory of tresk itself, or in one that\n"
-    "--search-path names.\n"
-    "\n"
-    "The exit code is that of the tool, or the number of the signal that ended it;\n"
-    "124 for wrong usage, 125 if the argument file or the output cannot be worked\n"
-    "with, 126 if the tool cannot be started, 127 if it is not found.\n";
+    "--search-path names.\n";
+
+std::vector<ExitMeaning> toolExits()
+{
+    return {{"0 to 255", "that of the tool, or the number of the signal that ended it"},
+            {"124", "wrong usage"},
+            {"125", "the argument file or the output cannot be worked with"},
+            {"126", "the tool cannot be started"},
+            {"127", "the tool is not found"},
+            {"141", "the tool is done, but the reader of the output has gone away"}};
+}
 
 std::vector<Option> toolOptions()
 {
-    return {{0, "search-path", "DIR", "look for the tool here too; may be given several times"},
+    return {{0, "search-path", "DIR", "look for the tool here too; may be repeated",
+             ValueKind::Directory},
             {0, "script", nullptr, "run the tool's Python script with python3"}};
 }
 

@@ -22,6 +22,7 @@ extern const char* const toolDescription;
 
 /// The options of these commands that say where the tool is.
 std::vector<Option> toolOptions();
+std::vector<ExitMeaning> toolExits();
 
 /// Makes @p runner look for the tool where the options say. Returns what is wrong with them, or
 /// nothing.

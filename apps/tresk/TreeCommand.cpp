@@ -145,14 +145,17 @@ Command treeCommand()
             "are those that 'tresk diff' calls the steps by.\n"
             "\n"
             "A small document may hold others without end. What would go beyond the limits is\n"
-            "left out and reported, and the exit code is 2. Levels are 200 at most. What may be\n"
-            "unpacked is a number of bytes, or one with KiB, MiB or GiB behind it, and counts\n"
-            "for embedded documents and summaries, which have 64MiB of it unless it is given.\n",
+            "left out and reported, and the exit code is 2. Levels are 200 at most. SIZE is a\n"
+            "number of bytes, or one with KiB, MiB or GiB behind it, and counts for embedded\n"
+            "documents and summaries, which have 64MiB of it unless it is given.\n",
+            "tresk tree nested.pdf\n"
+            "tresk tree --dot nested.pdf > tree.dot\n",
             withTreeLimits({{0, "dot", nullptr, "print a graph for Graphviz instead"},
                             {0, "json", nullptr, "print one JSON object instead"}}),
             {"DOC"},
             1,
-            runTree};
+            runTree,
+            {ValueKind::File}};
 }
 
 } // namespace tresk::cli

@@ -90,10 +90,14 @@ Command undoCommand()
             "run treskdel, which takes a step out of a document again",
             "ARGFILE",
             description.constData(),
+            "tresk undo --search-path=tools report.args\n"
+            "tresk undo -D TRIAL=017 --search-path=tools report.args\n",
             undoOptions(),
             {"ARGFILE"},
             1,
             runUndo,
+            {ValueKind::File},
+            toolExits(),
             toolWrongUsage};
 }
 

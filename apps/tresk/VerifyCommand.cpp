@@ -252,14 +252,18 @@ Command verifyCommand()
             "a checksum that differs or is missing, a compressed stream that is broken, an\n"
             "unknown compression, a place outside of the document. So is a history that does\n"
             "not lead back to its first step. A line for each document and a line of counts\n"
-            "follow.\n"
-            "\n"
-            "The exit code is 0 if all is right, 1 if something fails, and 2 if a document\n"
-            "has no history or cannot be read. Checksums show damage, not forgery.\n",
+            "follow. Checksums show damage, not forgery.\n",
+            "tresk verify *.pdf\n"
+            "tresk verify -q report.pdf && echo intact\n",
             {{0, "json", nullptr, "print one JSON object instead"}},
             {"DOC"},
             anyNumber,
-            runVerify};
+            runVerify,
+            {ValueKind::File},
+            {{"0", "all is right"},
+             {"1", "something fails"},
+             {"2", "trouble: wrong usage, a document not read or without a history"},
+             {"129, 130, 143", "ended by the signal HUP, INT or TERM"}}};
 }
 
 } // namespace tresk::cli

@@ -4,20 +4,13 @@
 
 using namespace tresktest;
 
-/// What the command says of itself, and of wrong usage.
+/// What the command says of its version, and of wrong usage.
 class TestCommandUsage : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
     void wrongUsageIsExplained_data();
     void wrongUsageIsExplained();
-    void generalHelpListsAll();
-    void generalHelpHasManyForms_data();
-    void generalHelpHasManyForms();
-    void commandHelpHasManyForms_data();
-    void commandHelpHasManyForms();
-    void helpFitsTheTerminal_data();
-    void helpFitsTheTerminal();
     void versionIsShown_data();
     void versionIsShown();
     void commonOptionsMayPrecedeTheCommand_data();
@@ -142,132 +135,6 @@ void TestCommandUsage::wrongUsageIsExplained()
     const bool runsTool = outcome.errors.startsWith("tresk: add:")
         || outcome.errors.startsWith("tresk: undo:");
     QCOMPARE(outcome.exitCode, runsTool ? 124 : 2);
-}
-
-void TestCommandUsage::generalHelpListsAll()
-{
-    const Outcome outcome = runTresk({QStringLiteral("--help")});
-    QCOMPARE(outcome.exitCode, 0);
-    QCOMPARE(outcome.errors, QByteArray());
-    const QList<QByteArray> lines = outcome.output.split('\n');
-    QCOMPARE(lines.first(), QByteArray("Usage: tresk COMMAND [OPTION]... [ARGUMENT]..."));
-    for (const char* line :
-         {"  log      list the steps of documents, newest first",
-          "  show     show what a step says of itself, in full",
-          "  verify   compare the checksums of documents with what is in them",
-          "  find     find the documents in which something was done",
-          "  1    a checksum is wrong or missing, or what it is for damaged; nothing found",
-          "  files    list the embedded files of a document",
-          "  cat      write the content of an embedded file to standard output",
-          "  extract  write embedded files to disk", "  help     explain a command",
-          "  args     show what an argument file says",
-          "  add      run treskadd, which adds a step to a document",
-          "  undo     run treskdel, which takes a step out of a document again",
-          "Those of add and undo are others: that of the tool, or 124 to 127.",
-          "  -q, --quiet            say nothing but errors, show no progress",
-          "      --color=WHEN       colour the output: auto (the default), always, never",
-          "  0    done",
-          "  2    trouble: wrong usage, a document that cannot be read or is damaged,"})
-        QVERIFY2(lines.contains(line), line);
-}
-
-void TestCommandUsage::generalHelpHasManyForms_data()
-{
-    QTest::addColumn<QStringList>("arguments");
-    for (const char* form : {"-h", "help", "-q --help", "--color never -h", "--help --version"})
-        QTest::newRow(form) << words(form);
-}
-
-void TestCommandUsage::generalHelpHasManyForms()
-{
-    QFETCH(QStringList, arguments);
-    const Outcome outcome = runTresk(arguments);
-    QCOMPARE(outcome.exitCode, 0);
-    QCOMPARE(outcome.errors, QByteArray());
-    QCOMPARE(outcome.output, runTresk({QStringLiteral("--help")}).output);
-}
-
-void TestCommandUsage::commandHelpHasManyForms_data()
-{
-    QTest::addColumn<QString>("command");
-    QTest::addColumn<QByteArray>("usage");
-    QTest::addColumn<QStringList>("options");
-
-    QTest::newRow("log") << QStringLiteral("log")
-                         << QByteArray("Usage: tresk log [OPTION]... DOC...")
-                         << words("--oneline --files --json --jsonl");
-    QTest::newRow("show") << QStringLiteral("show")
-                          << QByteArray("Usage: tresk show [OPTION]... DOC [STEP]")
-                          << words("--json");
-    QTest::newRow("verify") << QStringLiteral("verify")
-                            << QByteArray("Usage: tresk verify [OPTION]... DOC...")
-                            << words("--json");
-    QTest::newRow("find") << QStringLiteral("find")
-                          << QByteArray("Usage: tresk find [OPTION]... QUERY DOC|DIR...")
-                          << words("--null --count --bindings --json --jsonl");
-    QTest::newRow("files") << QStringLiteral("files")
-                           << QByteArray("Usage: tresk files [OPTION]... DOC") << words("--json");
-    QTest::newRow("cat") << QStringLiteral("cat")
-                         << QByteArray("Usage: tresk cat [OPTION]... DOC FILE") << QStringList();
-    QTest::newRow("extract") << QStringLiteral("extract")
-                             << QByteArray("Usage: tresk extract [OPTION]... DOC [FILE]... -C DIR")
-                             << words("--directory=DIR --force --verify --json");
-    QTest::newRow("args") << QStringLiteral("args")
-                          << QByteArray("Usage: tresk args [OPTION]... FILE")
-                          << words("--define=N=VALUE --highlight --json");
-    QTest::newRow("add") << QStringLiteral("add")
-                         << QByteArray("Usage: tresk add [OPTION]... ARGFILE")
-                         << words("--search-path=DIR --script");
-    QTest::newRow("undo") << QStringLiteral("undo")
-                          << QByteArray("Usage: tresk undo [OPTION]... ARGFILE")
-                          << words("--define=N=VALUE --search-path=DIR --script");
-    QTest::newRow("help") << QStringLiteral("help")
-                          << QByteArray("Usage: tresk help [OPTION]... [COMMAND]") << QStringList();
-}
-
-void TestCommandUsage::commandHelpHasManyForms()
-{
-    QFETCH(QString, command);
-    QFETCH(QByteArray, usage);
-    QFETCH(QStringList, options);
-    const Outcome help = runTresk({QStringLiteral("help"), command});
-    QCOMPARE(help.exitCode, 0);
-    QCOMPARE(help.errors, QByteArray());
-    QVERIFY(help.output.startsWith(usage + "\n\n"));
-    for (const QString& option : options + words("--quiet --verbose --color=WHEN --help --version"))
-        QVERIFY2(help.output.contains(option.toUtf8() + ' '), qPrintable(option));
-
-    const QString longOption = QStringLiteral("--help");
-    const QString wrongArgument = QStringLiteral("/nowhere");
-    for (const QStringList& form :
-         {QStringList{command, longOption}, QStringList{command, QStringLiteral("-h")},
-          QStringList{longOption, command},
-          QStringList{command, wrongArgument, wrongArgument, longOption}}) {
-        const Outcome outcome = runTresk(form);
-        QCOMPARE(outcome.exitCode, 0);
-        QCOMPARE(outcome.errors, QByteArray());
-        QCOMPARE(outcome.output, help.output);
-    }
-}
-
-void TestCommandUsage::helpFitsTheTerminal_data()
-{
-    QTest::addColumn<QStringList>("arguments");
-    for (const char* form :
-         {"help", "help log", "help show", "help files", "help cat", "help extract", "help verify",
-          "help find", "help args", "help add", "help undo", "help help"})
-        QTest::newRow(form) << words(form);
-}
-
-void TestCommandUsage::helpFitsTheTerminal()
-{
-    QFETCH(QStringList, arguments);
-    const QByteArray help = runTresk(arguments).output;
-    QVERIFY(help.endsWith('\n'));
-    for (const QByteArray& line : help.split('\n')) {
-        QVERIFY2(line.size() <= 80, line.constData());
-        QVERIFY2(!line.endsWith(' '), line.constData());
-    }
 }
 
 void TestCommandUsage::versionIsShown_data()
