@@ -3,6 +3,8 @@
 #  - a block of text that begins with "$ " is one of the transcripts there, which are run,
 #  - each of these programs and transcripts is shown, and each of the public headers HEADERS named.
 
+cmake_minimum_required(VERSION 3.20)
+
 file(READ ${PAGE} page)
 string(REGEX REPLACE "\n +" "\n" page "\n${page}")
 
