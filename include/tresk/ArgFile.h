@@ -21,14 +21,19 @@ public:
     QString userAttribute(const QString& key) const { return m_values.value(key); }
     /// The keys in the order in which they were added; one that was added twice stands here twice.
     QStringList userAttributeKeys() const { return m_keys; }
+    /// Removes all attributes.
     void clearUserAttributes();
 
 protected:
+    /// @{
+    /// For the classes that have attributes: there are none by themselves.
     UserAttributes() = default;
     UserAttributes(const UserAttributes&) = default;
     UserAttributes& operator=(const UserAttributes&) = default;
     ~UserAttributes() = default;
+    /// @}
 
+    /// Whether @p other has the same values and the same keys in the same order.
     bool hasSameAttributes(const UserAttributes& other) const;
     /// Appends @p option, the key and the value of each attribute that is not empty to @p list.
     void appendAttributesToList(const QString& option, QStringList& list) const;
@@ -41,10 +46,14 @@ private:
 /// A file that a workflow step used or produced, and what is to be done with it. A value.
 class TRESK_EXPORT WSFile : public UserAttributes {
 public:
+    /// Whether the step has read the file or written it.
     enum FilePurpose { Input = 0, Output = 1 };
 
+    /// @{
+    /// Compares all fields and attributes, the order of the attributes' keys included.
     bool operator==(const WSFile& other) const;
     bool operator!=(const WSFile& other) const { return !(*this == other); }
+    /// @}
 
     /// The full path: directory and name.
     QString filename() const { return m_filepath + m_filename; }
@@ -58,46 +67,54 @@ public:
     /// Sets directory and name from @p path; the directory of a bare name is "./".
     void setFilenameAndPath(const QString& path);
 
-    /// A free label.
+    /// @{
+    /// Empty unless set: a free label for the kind of file (filetype), the path of a file that
+    /// holds its checksum (md5File), a description and a comment.
     QString filetype() const { return m_filetype; }
     void setFiletype(const QString& type) { m_filetype = type; }
-    /// The path of a file that holds the file's checksum.
     QString md5File() const { return m_md5File; }
     void setMD5File(const QString& path) { m_md5File = path; }
     QString description() const { return m_description; }
     void setDescription(const QString& text) { m_description = text; }
     QString comment() const { return m_comment; }
     void setComment(const QString& text) { m_comment = text; }
+    /// @}
 
-    /// Whether the checksum is computed automatically; it is by default.
+    /// @{
+    /// What the tool does with the file, each on or off. On by themselves: the checksum is computed
+    /// (autoMD5), and the document holds the content (embed). Off: it is no error if the file is
+    /// missing (optional), the content is compressed (compress), the file is a preview of the
+    /// document (preview) or of the step (previewWS), a thumbnail (thumbnail), or nothing but a
+    /// thumbnail (thumbnailOnly).
     bool autoMD5() const { return m_autoMD5; }
     void setAutoMD5(bool on) { m_autoMD5 = on; }
-    /// Whether the document is to hold the file's content; it does by default.
     bool embed() const { return m_embed; }
     void setEmbed(bool on) { m_embed = on; }
-    /// Whether it is no error if the file is missing.
     bool optional() const { return m_optional; }
     void setOptional(bool on) { m_optional = on; }
-    /// Whether embedded content is compressed.
     bool compress() const { return m_compress; }
     void setCompress(bool on) { m_compress = on; }
     bool preview() const { return m_preview; }
     void setPreview(bool on) { m_preview = on; }
-    /// Whether there is a preview in the workflow step.
     bool previewWS() const { return m_previewWS; }
     void setPreviewWS(bool on) { m_previewWS = on; }
     bool thumbnail() const { return m_thumbnail; }
     void setThumbnail(bool on) { m_thumbnail = on; }
     bool thumbnailOnly() const { return m_thumbnailOnly; }
     void setThumbnailOnly(bool on) { m_thumbnailOnly = on; }
+    /// @}
 
+    /// @{
+    /// Whether the step has read the file, as it has by default, or written it.
     FilePurpose filePurpose() const { return m_filePurpose; }
     void setFilePurpose(const FilePurpose& purpose) { m_filePurpose = purpose; }
     bool inputFile() const { return m_filePurpose == Input; }
     void setInputFile(bool input) { m_filePurpose = input ? Input : Output; }
+    /// @}
 
     /// The options that describe this file, quoted by quoteStringList() and separated by blanks:
-    /// purpose and path, the attributes that are not empty, all eight flags.
+    /// purpose and path, the texts that are not empty, all eight flags, the attributes whose values
+    /// are not empty. @p expandVariables is that of quoteString().
     QString toCommandline(bool expandVariables) const;
 
 private:
@@ -121,17 +138,23 @@ private:
 /// Everything that one run of the tool `treskadd` is told. A value; texts are empty by default.
 class TRESK_EXPORT ArgFile : public UserAttributes {
 public:
+    /// How much the tool says.
     enum Verbosity { Quiet = 0, Normal = 1, Verbose = 2 };
 
+    /// Says nothing: the tool's command line is empty.
     ArgFile() = default;
+    /// A step that works on @p rootfile and writes @p outputTreskfile.
     ArgFile(const QString& outputTreskfile, const QString& rootfile);
 
-    /// The document that the step works on.
+    /// @{
+    /// The path of the document that the step works on.
     QString rootfile() const { return m_rootfile; }
     void setRootfile(const QString& path) { m_rootfile = path; }
+    /// @}
 
-    // The step: which program ran, where it lies, on which host, by which user and with which
-    // command line.
+    /// @{
+    /// What the step says of itself, free texts: which program ran (tool), where it lies
+    /// (toolpath), on which host, by which user and with which command line.
     QString title() const { return m_title; }
     void setTitle(const QString& text) { m_title = text; }
     QString description() const { return m_description; }
@@ -148,15 +171,19 @@ public:
     void setUser(const QString& name) { m_user = name; }
     QString command() const { return m_command; }
     void setCommand(const QString& commandline) { m_command = commandline; }
+    /// @}
 
-    /// A file to be put in front as the document's first page.
+    /// @{
+    /// The paths of a file to be put in front as the document's first page, and of a read-me text
+    /// file.
     QString firstpage() const { return m_firstpage; }
     void setFirstpage(const QString& path) { m_firstpage = path; }
-    /// A read-me text file.
     QString readme() const { return m_readme; }
     void setReadme(const QString& path) { m_readme = path; }
+    /// @}
 
-    // Metadata of a PDF document.
+    /// @{
+    /// Metadata of a PDF document: the entries of its document information dictionary, free texts.
     QString pdfTitle() const { return m_pdfTitle; }
     void setPdfTitle(const QString& text) { m_pdfTitle = text; }
     QString pdfProducer() const { return m_pdfProducer; }
@@ -169,8 +196,13 @@ public:
     void setPdfKeywords(const QString& text) { m_pdfKeywords = text; }
     QString pdfSubject() const { return m_pdfSubject; }
     void setPdfSubject(const QString& text) { m_pdfSubject = text; }
+    /// @}
 
-    /// Whether the tool only shows what it would do.
+    /// @{
+    /// What the run is like. Off by themselves: the tool only shows what it would do (pretend),
+    /// says what helps to find faults (debugMode), shows its help text (showHelp) or its version
+    /// (showVersion), takes it for no error that the root file is missing (rootIsOptional). The
+    /// verbosity is Normal.
     bool pretend() const { return m_pretend; }
     void setPretend(bool on) { m_pretend = on; }
     bool debugMode() const { return m_debugMode; }
@@ -179,11 +211,11 @@ public:
     void setShowHelp(bool on) { m_showHelp = on; }
     bool showVersion() const { return m_showVersion; }
     void setShowVersion(bool on) { m_showVersion = on; }
-    /// Whether it is no error if the root file is missing.
     bool rootIsOptional() const { return m_rootIsOptional; }
     void setRootIsOptional(bool on) { m_rootIsOptional = on; }
     Verbosity verbosity() const { return m_verbosity; }
     void setVerbosity(Verbosity verbosity) { m_verbosity = verbosity; }
+    /// @}
 
     /// Resets verbosity, flags and all texts but the root file, which stays, as do the lists and
     /// the user attributes.
@@ -191,15 +223,18 @@ public:
     /// Empties the root file alone.
     void clearRootTreskfiles() { m_rootfile.clear(); }
 
-    // The documents to write.
+    /// @{
+    /// The paths of the documents to write, counted from 0 in the order in which they were added.
     void addOutputTreskfile(const QString& path) { m_outputTreskfiles.append(path); }
     /// The path of the @p i th; empty if there is none.
     QString outputTreskfile(int i) const { return m_outputTreskfiles.value(i); }
     int numOutputTreskfiles() const { return int(m_outputTreskfiles.size()); }
     void clearOutputTreskfiles() { m_outputTreskfiles.clear(); }
+    /// @}
 
     // The files that the step used or produced.
-    /// Appends a copy of @p file. The pointer to it is valid until the list changes.
+    /// Appends a copy of @p file, owned by this object. The pointer to it is valid until the list
+    /// changes.
     WSFile* addFile(const WSFile& file);
     /// The @p i th file, valid until the list changes; null if there is none.
     WSFile* getFile(int i);
@@ -209,13 +244,16 @@ public:
     WSFile getConstFile(int i) const;
     /// Does nothing if there is no @p i th file.
     void removeFile(int i);
+    /// The files are counted from 0, in the order in which they were added.
     int numFiles() const { return int(m_files.size()); }
+    /// Removes all files.
     void clearFilelist() { m_files.clear(); }
 
     /// These options as one line of words for `treskadd`, each quoted by quoteString() and
     /// separated by blanks: verbosity and switches, first page, read-me file, output documents,
     /// root file, the step, PDF metadata, user attributes, then each file with its options. What
-    /// is empty is not written; a line of files alone begins with a blank.
+    /// is empty is not written; a line of files alone begins with a blank. @p expandVariables is
+    /// that of quoteString().
     ///
     /// ArgfileReader does not accept all of it: first page and read-me file are written with their
     /// long options, which it does not know.

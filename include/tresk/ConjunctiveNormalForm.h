@@ -20,9 +20,12 @@ public:
     /// The attribute @p attribute ("filepath", "user:key") of the record called @p name.
     static CNFOperand fromVariable(const QString& name, const QString& attribute);
 
+    /// @{
+    /// What kind of operand it is: exactly one of the three holds.
     bool isInvalid() const { return m_type == Invalid; }
     bool isString() const { return m_type == String; }
     bool isVariable() const { return m_type == Variable; }
+    /// @}
     QString variableName() const { return m_variableName; } ///< empty unless a variable
     QString variableAttribute() const { return m_variableAttribute; } ///< likewise
     QString string() const { return m_string; } ///< empty unless a string
@@ -48,14 +51,20 @@ public:
     /// A predicate that never holds: invalid operands and the operator "invalid".
     static CNFLiteral fromInvalid();
 
+    /// @{
+    /// What kind of literal it is: exactly one of the two holds.
     bool isBoolVariable() const { return m_type == BoolVariable; }
     bool isPredicate() const { return m_type == Predicate; }
+    /// @}
+    /// @{
+    /// Whether it holds exactly where the comparison or attribute does not.
     bool isNegated() const { return m_negated; }
     void setNegated(bool negated) { m_negated = negated; }
+    /// @}
     QString op() const { return m_op; } ///< empty for a boolean attribute
     CNFOperand left() const { return m_left; } ///< for a boolean attribute, the attribute
     CNFOperand right() const { return m_right; } ///< invalid for a boolean attribute
-    CNFOperand boolVariable() const { return m_left; }
+    CNFOperand boolVariable() const { return m_left; } ///< left() by another name
     /// The names of the records that the operands read.
     QSet<QString> variableNames() const;
 
@@ -72,6 +81,7 @@ private:
 /// Literals of which one has to hold.
 class TRESK_EXPORT CNFDisjunction {
 public:
+    /// How many literals there are; without any it never holds.
     int numLiterals() const { return int(m_literals.size()); }
     /// Literal @p i, owned by the disjunction and valid until it changes; null where there is none.
     const CNFLiteral* literalAt(int i) const;
@@ -86,6 +96,7 @@ private:
 
 /// The place of a literal in a normal form.
 struct TRESK_EXPORT CNFLiteralIndex {
+    /// Literal @p literal of disjunction @p disjunction, both from 0.
     CNFLiteralIndex(int disjunction, int literal)
         : disjunctionIndex(disjunction)
         , literalIndex(literal)
@@ -99,6 +110,7 @@ struct TRESK_EXPORT CNFLiteralIndex {
 /// What a query is compiled to: disjunctions that all have to hold.
 class TRESK_EXPORT ConjunctiveNormalForm {
 public:
+    /// How many disjunctions there are; without any the query always holds.
     int numDisjunctions() const { return int(m_disjunctions.size()); }
     /// Disjunction @p i, owned by the form and valid until it changes; null where there is none.
     const CNFDisjunction* disjunctionAt(int i) const;
@@ -107,6 +119,7 @@ public:
     /// The last disjunction, to be added to; owned by the form and valid until it changes. Null
     /// where there is none.
     CNFDisjunction* lastDisjunction();
+    /// Removes all disjunctions.
     void clear();
     /// The literal at @p index, owned by the form and valid until it changes; null where there is
     /// none.

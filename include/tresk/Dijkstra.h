@@ -19,6 +19,7 @@ TRESK_EXPORT void reportGoal(int expanded);
 template <typename PathType>
 class Dijkstra {
 public:
+    /// Paths are shared: each may be in the queue and in a result.
     using PathPointer = QSharedPointer<PathType>;
 
     /// The first @p n paths that reach the goal from @p start, best first; fewer if there are no

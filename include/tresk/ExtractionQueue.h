@@ -32,7 +32,9 @@ struct TRESK_EXPORT Extractee {
 /// and cancel in between. After a file that fails the queue goes on with the next.
 ///
 /// Checksums are not compared, and a compressed stream that breaks off without a fault in
-/// what there is of it counts as written; a ValidationQueue tells. A file whose compression
+/// what there is of it counts as written; a ValidationQueue tells. Neither is what a stream
+/// yields compared with FileTag::filesize: a stored byte may become 1032. Who does not trust a
+/// document looks at the size of the target after each step, and cancels. A file whose compression
 /// is "flate" but which has no checksum of its stored bytes is copied without inflating it.
 ///
 /// A queue serves one thread. It does not own the parser, which has to live, and keep its

@@ -23,10 +23,12 @@ class WorkflowTree;
 /// round. The partner -3 means that a node is paired with nothing.
 class TRESK_EXPORT PathExpander {
 public:
+    /// All three, none of which may be null, have to outlive it.
     PathExpander(const WorkflowTree* tree1, const WorkflowTree* tree2, const CostMatrix* costs);
 
     /// The nodes of tree @p t in the order of WorkflowTree::nodeIds(); empty for another value.
     LinkedNodeIds nodeIds(TreeId t) const;
+    /// What @p n nodes cost that are paired with nothing.
     float costForUnmatchedNodes(int n) const;
     /// The cost of pairing @p a with @p b (or -3), and that of a wrong parent unless their parents
     /// are paired with each other. Where a parent is undecided or paired with nothing, no such cost

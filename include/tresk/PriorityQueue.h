@@ -14,11 +14,15 @@ namespace tresk {
 template <typename Item>
 class PriorityQueue {
 public:
+    /// An item and its priority.
     using Entry = std::pair<Item, int>;
 
+    /// Whether there is nothing to pop().
     bool isEmpty() const { return m_entries.empty(); }
+    /// How many items there are.
     int size() const { return int(m_entries.size()); }
 
+    /// Adds a copy of @p item; in logarithmic time, as is pop().
     void push(const Item& item, int priority)
     {
         m_entries.emplace_back(item, priority);

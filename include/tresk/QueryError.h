@@ -19,12 +19,15 @@ public:
     QueryError(const QString& errorMessage, QueryErrorType type, int position,
                const QString& originalText);
 
+    /// What is wrong, for people; may consist of several lines and end with a line feed.
     QString errorMessage() const { return m_errorMessage; }
     /// Where the part of the query concerned begins, in UTF-16 code units from 0.
     int position() const { return m_position; }
     /// Length of the part of the query concerned in UTF-16 code units; 0 where nothing is there.
     int length() const { return int(m_originalText.size()); }
+    /// The part of the query concerned, as written; empty where nothing is there.
     QString originalText() const { return m_originalText; }
+    /// Whether it makes the query invalid.
     bool isError() const { return m_type == QueryErrorTypeError; }
     /// Never true of what the library reports: also a finding whose message begins with
     /// "warning at pos" is an error, and makes its query invalid.

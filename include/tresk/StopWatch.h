@@ -14,6 +14,7 @@ class TRESK_EXPORT StopWatch : public LogSource {
     Q_OBJECT
 
 public:
+    /// A watch that stands still. A @p listener that is not null is connected to the log.
     explicit StopWatch(QObject* listener = nullptr);
 
     /// Stops and reports, as `stop(true)` does.

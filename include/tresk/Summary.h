@@ -22,8 +22,8 @@ struct TRESK_EXPORT FileSummary {
     QString filename; ///< name; from a stranger: never a path to write to as it is
     QString filepath; ///< where the file was when the step ran
     QString filetype; ///< the kind of file, free text
-    QString description;
-    QString comment;
+    QString description; ///< what is in the file
+    QString comment; ///< what else there is to say of it
     QString lastModified; ///< date and time as text
     bool generateMD5 = false; ///< the writer was asked for a checksum
     bool embedded = false; ///< the content is embedded in the document
@@ -50,21 +50,21 @@ struct TRESK_EXPORT Workflowstep {
     int tagId = 0; ///< id of the step's section; -1 if read from XML and not yet tied to one
     QString treskRootFile; ///< the document that was the root of the step
     QString timestamp; ///< date and time as text
-    QString title;
-    QString description;
-    QString comment;
+    QString title; ///< the step's name, one line as a rule
+    QString description; ///< what was done
+    QString comment; ///< what else there is to say of it
     QString command; ///< the command line that was run
     QString tool; ///< the tool's name
-    QString toolPath;
-    QString host;
-    QString user;
+    QString toolPath; ///< where the tool lies
+    QString host; ///< the machine on which it ran
+    QString user; ///< who ran it
     QString creator; ///< who or what wrote the step
     QString pdfTitle; ///< from here to pdfCreator: the PDF's document information entries
-    QString pdfAuthor;
-    QString pdfSubject;
-    QString pdfKeywords;
-    QString pdfProducer;
-    QString pdfCreator;
+    QString pdfAuthor; ///< "Author"
+    QString pdfSubject; ///< "Subject"
+    QString pdfKeywords; ///< "Keywords"
+    QString pdfProducer; ///< "Producer"
+    QString pdfCreator; ///< "Creator"
     QList<FileSummary> files; ///< input and output files, in the order of the summary
     QHash<QString, QString> userAttributes; ///< values by name
     QHash<QString, QString> userAttributeUnits; ///< units by name, where one was given

@@ -29,7 +29,8 @@ public:
     int association(int id, TreeId t) const;
     /// Whether node @p id of tree @p t is *without* a partner. False if @p t is no tree.
     bool associated(int id, TreeId t) const;
-    /// Whether node @p id of tree @p t hangs under another parent than its partner.
+    /// Whether node @p id of tree @p t hangs under another parent than its partner. False if there
+    /// is no entry for it or @p t is no tree.
     bool parentChanged(int id, TreeId t) const;
 
 private:
@@ -45,19 +46,23 @@ class TRESK_EXPORT TreskDiff : public LogSource {
     Q_OBJECT
 
 public:
-    /// Compares copies of @p tree1 and @p tree2. @p costs is not owned and has to live as long as
-    /// it is used.
+    /// Compares copies of @p tree1 and @p tree2. @p costs, which must not be null, is not owned and
+    /// has to live as long as it is used.
     TreskDiff(const WorkflowTree& tree1, const WorkflowTree& tree2, WorkflowstepCosts* costs);
     ~TreskDiff() override;
 
+    /// @{
+    /// What is compared, as given to the constructor. The trees are owned by this object and valid
+    /// as long as it lives.
     void setTree1(const WorkflowTree& tree);
     void setTree2(const WorkflowTree& tree);
     void setCosts(WorkflowstepCosts* costs);
     WorkflowTree* tree1() { return &m_tree1; }
     WorkflowTree* tree2() { return &m_tree2; }
     WorkflowstepCosts* costs() { return m_costs; }
+    /// @}
 
-    /// The @p n cheapest pairings, cheapest first; fewer where there are no more.
+    /// The @p n cheapest pairings (1 or more), cheapest first; fewer where there are no more.
     ///
     /// A Dijkstra search over Paths finds them, unless the trees have so little in common that more
     /// than 400000 paths, about 64 MB, are open or found. Then another exact search takes over,

@@ -19,7 +19,9 @@ public:
     TempTreskfile(const QSharedPointer<TreskParser>& parser, const QString& path, bool temporary);
     ~TempTreskfile();
 
+    /// The parser that has the document open.
     QSharedPointer<TreskParser> parser() const { return m_parser; }
+    /// The path of the file.
     QString path() const { return m_path; }
 
 private:
@@ -38,10 +40,13 @@ class TRESK_EXPORT TreskFileManager : public LogSource {
     Q_OBJECT
 
 public:
+    /// Keeps nothing yet. A @p listener that is not null is connected to the log.
     explicit TreskFileManager(QObject* listener = nullptr);
-    /// Listeners are not copied.
+    /// @{
+    /// Shares the documents of @p other. Listeners are not copied.
     TreskFileManager(const TreskFileManager& other);
     TreskFileManager& operator=(const TreskFileManager& other);
+    /// @}
     ~TreskFileManager() override;
 
     /// The parser of the document at @p path, opened in ParseTolerant mode unless it is known

@@ -76,6 +76,7 @@ class TRESK_EXPORT TreskParser : public LogSource {
     Q_OBJECT
 
 public:
+    /// A parser without a document. A @p listener that is not null is connected to the log.
     explicit TreskParser(ParseMode mode = ParseTolerant, QObject* listener = nullptr);
     ~TreskParser() override;
 
@@ -99,8 +100,8 @@ public:
     QList<SectionTag> getSections() const;
     /// All embedded files in the order of the document: a file's id is its index.
     QList<FileTag> getFiles() const;
-    int getNumSections() const;
-    int getNumFiles() const;
+    int getNumSections() const; ///< 0 without a document
+    int getNumFiles() const; ///< likewise
     /// A copy of section @p i; null where there is no such section.
     QSharedPointer<SectionTag> getSection(int i) const;
     /// A copy of the record of file @p i; null where there is no such file.

@@ -47,9 +47,11 @@ public:
     /// a program that writes to processes of its own has to ignore the signal itself.)
     virtual int runProcess(const QString& input) = 0;
 
+    /// @{
     /// Whether the tool is an executable of its own (the default) or a script.
     bool getUsePy2Exe() const { return m_usePy2Exe; }
     void setUsePy2Exe(bool packaged);
+    /// @}
     /// Replaces the directories in which the tool is looked for, first match wins. They are
     /// relative to the application's directory, also where they begin with "/". By default ".".
     void setSearchPaths(const QStringList& paths) { m_searchPaths = paths; }

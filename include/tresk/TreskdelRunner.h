@@ -10,6 +10,7 @@ class TRESK_EXPORT TreskdelRunner : public TreskRunner {
     Q_OBJECT
 
 public:
+    /// A @p listener that is not null is connected to the log.
     explicit TreskdelRunner(QObject* listener);
     ~TreskdelRunner() override;
 

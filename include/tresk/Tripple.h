@@ -6,7 +6,9 @@ namespace tresk {
 /// Three values of three types. The name is spelled so on purpose.
 template <typename A, typename B, typename C>
 struct Tripple {
+    /// Values as their types initialise them, numbers as 0.
     Tripple() = default;
+    /// Copies of the three.
     Tripple(const A& a, const B& b, const C& c)
         : first(a)
         , second(b)
@@ -14,9 +16,9 @@ struct Tripple {
     {
     }
 
-    A first{};
-    B second{};
-    C third{};
+    A first{}; ///< of type A
+    B second{}; ///< of type B
+    C third{}; ///< of type C
 };
 
 } // namespace tresk

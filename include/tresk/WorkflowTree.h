@@ -21,12 +21,15 @@ struct FileTag;
 /// A step in a tree, and the document that it comes from.
 class TRESK_EXPORT WorkflowTreeNode {
 public:
+    /// A node of no tree.
     WorkflowTreeNode() = default;
+    /// A node with what the functions below return.
     WorkflowTreeNode(int nodeId, int parentId, const Workflowstep& step, const QString& treskfile,
                      const QString& fileOnDisk);
 
     int nodeId() const { return m_nodeId; } ///< -2 for a node of no tree
     int parentId() const { return m_parentId; } ///< -1 at the top, -2 for a node of no tree
+    /// What the step says of itself; owned by the node.
     const Workflowstep& step() const { return m_step; }
     /// The document of the step: its path, or its name where it is embedded in another.
     QString treskfile() const { return m_treskfile; }
@@ -63,7 +66,7 @@ struct TRESK_EXPORT WorkflowTreeOmission {
     /// LargestDocument is no limit that can be set: a document has less than 2 GiB.
     enum Limit { Depth, Documents, Bytes, SummaryBytes, Records, SummaryFiles, LargestDocument };
 
-    Limit limit;
+    Limit limit; ///< beyond which it would go
     int nodeId; ///< of the step that is concerned
     /// The name of the document that the step embeds. Null where it is the summary of the step
     /// itself: SummaryBytes or SummaryFiles if it was not read, since it has too many bytes or
@@ -84,16 +87,21 @@ class TRESK_EXPORT WorkflowTree : public LogSource {
     Q_OBJECT
 
 public:
+    /// An empty tree. A @p listener that is not null is connected to the log.
     explicit WorkflowTree(QObject* listener = nullptr);
+    /// @{
     /// A tree with the same nodes that shares the opened documents. Listeners are not copied.
     WorkflowTree(const WorkflowTree& other);
     WorkflowTree& operator=(const WorkflowTree& other);
+    /// @}
     ~WorkflowTree() override;
 
+    /// @{
     /// The limits for trees that are filled from now on; those of WorkflowTreeLimits unless set. A
     /// value below 0 counts as 0.
     void setLimits(const WorkflowTreeLimits& limits) { m_limits = limits; }
     const WorkflowTreeLimits& limits() const { return m_limits; }
+    /// @}
     /// What was left out when the tree was filled, in the order of the nodes concerned.
     QList<WorkflowTreeOmission> omissions() const { return m_omissions; }
 
@@ -129,6 +137,7 @@ public:
     /// All nodes. The order is that of a table with 17, 37, 67, ... buckets, as many as the number
     /// of nodes needs: ascending in a tree that was filled once. The same in every process.
     QList<int> nodeIds() const;
+    /// The same as a linked list.
     LinkedNodeIds nodeIdsLinked() const;
     /// The root and what is under it, level by level; empty without a root.
     QList<int> serializedTree() const;

@@ -10,10 +10,13 @@ struct Workflowstep;
 /// What it costs to pair two steps in a comparison of trees. Derive from it for other prices.
 class TRESK_EXPORT WorkflowstepCosts {
 public:
+    /// @{
+    /// The usual prices; there is nothing to set.
     WorkflowstepCosts() = default;
     WorkflowstepCosts(const WorkflowstepCosts&) = default;
     WorkflowstepCosts& operator=(const WorkflowstepCosts&) = default;
     virtual ~WorkflowstepCosts();
+    /// @}
 
     /// 50 for different titles, 30 for different tools and 20 for different descriptions, added
     /// up. Case counts; null and empty are the same. Nothing else is looked at.

@@ -1,7 +1,11 @@
 #ifndef TRESK_TRESK_H
 #define TRESK_TRESK_H
 
-/// The whole public interface of the library.
+/// @namespace tresk
+/// The whole public interface of the library, which reads documents that carry a history of
+/// workflow steps. `tresk/tresk.h` includes all of it, `tresk/NAME.h` a class and what belongs to
+/// it.
+
 #include <tresk/ArgFile.h>
 #include <tresk/ArgfileParser.h>
 #include <tresk/ArgfileReader.h>

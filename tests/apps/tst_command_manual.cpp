@@ -81,7 +81,7 @@ void TestCommandManual::exampleIsReal_data()
     QTest::addColumn<QString>("command");
     QTest::addColumn<QString>("output");
 
-    for (const char* name : {"command-line.md", "query.md", "argument-files.md"}) {
+    for (const char* name : {"argument-files.md", "command-line.md", "format.md", "query.md"}) {
         const QString path = QStringLiteral(TRESK_SOURCE_DIR "/docs/") + text(name);
         const QVector<Example> examples = examplesIn(QString::fromUtf8(readFile(path)));
         QVERIFY(examples.size() >= 10);

@@ -1,0 +1,80 @@
+# Checks PAGE, the manual of the library, against what it speaks of:
+#  - code is an excerpt from the sources in EXAMPLES, which are compiled; indentation may differ,
+#  - a block of text that begins with "$ " is one of the transcripts there, which are run,
+#  - each of these programs and transcripts is shown, and each of the public headers HEADERS named.
+
+cmake_minimum_required(VERSION 3.20)
+
+file(READ ${PAGE} page)
+string(REGEX REPLACE "\n +" "\n" page "\n${page}")
+
+# The text of FILE without indentation, with a line break in front.
+function(read_text file result)
+    file(READ ${file} text)
+    string(REGEX REPLACE "\n +" "\n" text "\n${text}")
+    set(${result} "${text}" PARENT_SCOPE)
+endfunction()
+
+# Sets shown_in to the file among FILES, all of which have to be names without odd characters, that
+# has BLOCK in it, and fails if there is none.
+function(find_block block)
+    foreach(file IN LISTS ARGN)
+        read_text(${file} text)
+        string(FIND "${text}" "${block}" position)
+        if(NOT position EQUAL -1)
+            set(shown_in ${file} PARENT_SCOPE)
+            return()
+        endif()
+    endforeach()
+    message(SEND_ERROR "${PAGE} shows what is nowhere else:${block}")
+    set(shown_in "" PARENT_SCOPE)
+endfunction()
+
+file(GLOB programs ${EXAMPLES}/*.cpp)
+file(GLOB sources ${EXAMPLES}/*.cpp ${EXAMPLES}/*.h)
+file(GLOB transcripts ${EXAMPLES}/*.txt)
+list(REMOVE_ITEM transcripts ${EXAMPLES}/CMakeLists.txt)
+
+# From fence to fence: the word behind the first tells what is in the block.
+set(all_shown)
+set(rest "${page}")
+string(FIND "${rest}" "\n```" fence)
+while(NOT fence EQUAL -1)
+    math(EXPR start "${fence} + 4")
+    string(SUBSTRING "${rest}" ${start} -1 rest)
+    string(FIND "${rest}" "\n" line_end)
+    string(SUBSTRING "${rest}" 0 ${line_end} kind)
+    string(SUBSTRING "${rest}" ${line_end} -1 rest)
+    string(FIND "${rest}" "\n```" fence)
+    if(fence EQUAL -1)
+        message(FATAL_ERROR "${PAGE}: a block is not closed")
+    endif()
+    math(EXPR length "${fence} + 1")
+    string(SUBSTRING "${rest}" 0 ${length} block)
+    if(kind STREQUAL "cpp")
+        find_block("${block}" ${sources})
+    elseif(kind STREQUAL "cmake")
+        find_block("${block}" ${EXAMPLES}/CMakeLists.txt)
+    elseif(kind STREQUAL "text" AND block MATCHES "^\n\\$ ")
+        find_block("${block}" ${transcripts})
+    elseif(NOT kind MATCHES "^(text|console|sh)$")
+        message(SEND_ERROR "${PAGE}: nobody checks blocks of the kind \"${kind}\"")
+    endif()
+    list(APPEND all_shown ${shown_in})
+    math(EXPR start "${fence} + 4")
+    string(SUBSTRING "${rest}" ${start} -1 rest)
+    string(FIND "${rest}" "\n```" fence)
+endwhile()
+
+foreach(file IN LISTS programs transcripts)
+    if(NOT file IN_LIST all_shown)
+        message(SEND_ERROR "${PAGE} shows nothing of ${file}")
+    endif()
+endforeach()
+file(GLOB headers RELATIVE ${HEADERS} ${HEADERS}/*.h)
+foreach(header IN LISTS headers)
+    string(FIND "${page}" "`${header}`" position)
+    if(position EQUAL -1)
+        message(SEND_ERROR "${PAGE} does not say what ${header} is for")
+    endif()
+endforeach()
