@@ -38,6 +38,7 @@
 #include <tresk/Tripple.h>
 #include <tresk/ValidationQueue.h>
 #include <tresk/Validator.h>
+#include <tresk/Version.h>
 #include <tresk/WorkflowTree.h>
 #include <tresk/WorkflowstepCosts.h>
 

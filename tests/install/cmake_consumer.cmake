@@ -14,4 +14,4 @@ execute_process(
     COMMAND ${CMAKE_COMMAND} --build ${WORK_TREE} --config ${CONFIG}
     COMMAND_ERROR_IS_FATAL ANY)
 
-check_consumer(${WORK_TREE}/list-sections)
+check_consumer(${WORK_TREE}/${PROGRAM})
