@@ -1,12 +1,15 @@
+#include "Examples.h"
 #include "JsonDocuments.h"
 
 #include "Command.h"
 #include "Documents.h"
+#include "SummaryXml.h"
 
 #include <TestFiles.h>
 
 #include <QDir>
 #include <QFile>
+#include <QStandardPaths>
 #include <QtTest>
 
 #include <csignal>
@@ -24,18 +27,50 @@ private Q_SLOTS:
     void wrongOutputIsRefused_data();
     void wrongOutputIsRefused();
     void everyNameIsDescribed();
+    void linesLoadIntoADatabase();
 
 private:
     void print(const QString& form, const QStringList& arguments);
     void printOfDamagedReading();
     void keep(const QString& form, const QByteArray& output);
     Outcome checkSchemas(const QString& outputs) const;
+    QByteArray answer(const char* query) const;
 
     TestDir m_dir;
     int m_printed = 0;
 };
 
 namespace {
+
+/// A document with one step, whose texts and names are all the awkward one.
+QByteArray awkwardDocument()
+{
+    const QString awkward = text(awkwardText());
+    const FileSpec file = FileSpec::plain(awkward + text(".csv"), "1");
+    FileSpec described = file;
+    described.filename = QString::fromUtf8(escaped(file.filename)); // as the marker has it
+    const QByteArray told = element("Title", awkward.toUtf8())
+        + element("InFile", element("Filename", awkward.toUtf8()))
+        + fileElement("OutFile", described);
+    return documentWith({step(awkward, {file, summaryWith(told)})});
+}
+
+/// The commands with which the guide loads lines into a database.
+QStringList loadingCommands()
+{
+    QStringList commands;
+    const QString guide = QString::fromUtf8(readFile(text(TRESK_SOURCE_DIR "/docs/guide.md")));
+    for (const Block& block : blocksIn(guide)) {
+        for (const Example& example : examplesIn(block)) {
+            const QString& command = example.command;
+            if (command.contains(text(".jsonl")) || command.contains(text("CREATE VIEW")))
+                commands += command;
+        }
+    }
+    if (commands.size() != 6)
+        QTest::qFail("the guide loads otherwise", __FILE__, __LINE__);
+    return commands;
+}
 
 QStringList words(const char* line)
 {
@@ -91,6 +126,16 @@ Outcome TestJsonOutput::checkSchemas(const QString& outputs) const
                                           "/docs/schemas' '%1'")
                                .arg(m_dir.path(outputs));
     return Command({}).inShell(script).run();
+}
+
+/// What the database says.
+QByteArray TestJsonOutput::answer(const char* query) const
+{
+    return Command({text(query)})
+        .inDirectory(m_dir.path(text("database")))
+        .inShell(text("sqlite3 history.db \"$2\""))
+        .run()
+        .output;
 }
 
 void TestJsonOutput::outputIsAsTheSchemasSay()
@@ -193,6 +238,43 @@ void TestJsonOutput::everyNameIsDescribed()
             QVERIFY2(described, qPrintable(file + text(": ") + member));
         }
     }
+}
+
+/// The commands of the guide, as they stand, where names and texts have all in them that one might
+/// trip over.
+void TestJsonOutput::linesLoadIntoADatabase()
+{
+    if (QStandardPaths::findExecutable(text("sqlite3")).isEmpty())
+        QSKIP("there is no sqlite3");
+    QVERIFY(QDir().mkpath(m_dir.path(text("database/samples"))));
+    const QString awkward = text(awkwardText());
+    for (const QString& name : {awkward, text("\"|.pdf"), text("plain.pdf")})
+        m_dir.write(text("database/samples/") + name, awkwardDocument());
+
+    const QString script = QStringLiteral("PATH=$(dirname \"$1\"):$PATH; exec 2>&1\n");
+    const Outcome outcome = Command({})
+                                .inDirectory(m_dir.path(text("database")))
+                                .inShell(script + loadingCommands().join(QLatin1Char('\n')))
+                                .run();
+    QCOMPARE(outcome.output, QByteArray());
+    QCOMPARE(outcome.exitCode, 0);
+
+    // Each line is a row, in the same order, to the byte.
+    const QByteArray steps = readFile(m_dir.path(text("database/steps.jsonl")));
+    QCOMPARE(steps.count('\n'), 3);
+    QCOMPARE(answer("SELECT line FROM log ORDER BY rowid"), steps);
+    const QByteArray found = readFile(m_dir.path(text("database/found.jsonl")));
+    QCOMPARE(found.count('\n'), 3);
+    QCOMPARE(answer("SELECT line FROM find ORDER BY rowid"), found);
+
+    // The texts come out as they went in.
+    const QByteArray name = escaped(awkward + text(".csv")).toHex().toUpper() + '\n';
+    QCOMPARE(answer("SELECT hex(document) FROM step WHERE document LIKE '%quoted%'"),
+             ("samples/" + awkward.toUtf8()).toHex().toUpper() + '\n');
+    QCOMPARE(answer("SELECT DISTINCT hex(title) FROM step"),
+             escaped(awkward).toHex().toUpper() + '\n');
+    QCOMPARE(answer("SELECT DISTINCT hex(name) FROM file WHERE purpose = 'OutFile'"), name);
+    QCOMPARE(answer("SELECT DISTINCT hex(line->>'$.bindings.f.name') FROM find"), name);
 }
 
 QTEST_GUILESS_MAIN(TestJsonOutput)
