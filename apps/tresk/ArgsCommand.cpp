@@ -22,7 +22,8 @@ void showTokens(Invocation& invocation, ArgumentFile& file)
     const QList<ArgfileToken> tokens = file.tokens();
     file.reportMessages();
     if (invocation.isSet("json"))
-        writeJson(invocation.output, withFile(file), QStringLiteral("tokens"), int(tokens.size()),
+        writeJson(invocation.output, "tresk-args-tokens/1", withFile(file),
+                  QStringLiteral("tokens"), int(tokens.size()),
                   [&tokens](int i) { return tokenJson(tokens[i]); });
     else if (!tokens.isEmpty())
         writeTokens(invocation.output, invocation.style, tokens);
@@ -33,8 +34,8 @@ void showOptions(Invocation& invocation, ArgumentFile& file)
     const ArgFile options = file.options();
     file.reportMessages();
     if (invocation.isSet("json"))
-        writeJson(invocation.output, withFile(file, optionsJson(options)), QStringLiteral("files"),
-                  options.numFiles(),
+        writeJson(invocation.output, "tresk-args/1", withFile(file, optionsJson(options)),
+                  QStringLiteral("files"), options.numFiles(),
                   [&options](int i) { return wsFileJson(options.getConstFile(i)); });
     else if (!file.isBroken())
         writeOptions(invocation.output, invocation.style, options);

@@ -78,7 +78,7 @@ void DiffReport::finish()
 {
     if (!m_json)
         return;
-    writeJson(m_output,
+    writeJson(m_output, "tresk-diff/1",
               {{QStringLiteral("first"), m_first.name()},
                {QStringLiteral("second"), m_second.name()},
                {QStringLiteral("same"), m_bestIsSame},

@@ -103,7 +103,7 @@ int Extraction::run()
     }
     m_progress.clear();
     if (m_json) {
-        writeJson(m_output,
+        writeJson(m_output, "tresk-extract/1",
                   {{QStringLiteral("document"), m_document.name()},
                    {QStringLiteral("directory"), m_directory.path()},
                    {QStringLiteral("files"), m_results}});

@@ -56,7 +56,7 @@ void printJson(Output& output, const Document& document, const StepFiles& stepFi
         entry.insert(QStringLiteral("steps"), stepFiles.areTooMany() ? QJsonValue() : ids);
         files += entry;
     }
-    writeJson(output,
+    writeJson(output, "tresk-files/1",
               {{QStringLiteral("document"), document.name()}, {QStringLiteral("files"), files}});
 }
 

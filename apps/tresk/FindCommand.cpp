@@ -211,7 +211,7 @@ void Finder::tell(const QString& path, const QList<Binding>& bindings)
             byName.insert(binding.name, bindingJson(binding));
         object.insert(QStringLiteral("bindings"), byName);
         if (m_jsonLines)
-            writeJsonLine(m_output, object);
+            writeJsonLine(m_output, "tresk-find-line/1", object);
         else
             m_documents += object;
         return;
@@ -245,7 +245,7 @@ void Finder::printBinding(const Binding& binding)
 void Finder::finish()
 {
     if (m_json) {
-        writeJson(m_output,
+        writeJson(m_output, "tresk-find/1",
                   {{QStringLiteral("query"), m_query.query()},
                    {QStringLiteral("documents"), m_documents},
                    {QStringLiteral("count"), m_found}});
@@ -282,7 +282,7 @@ int runFind(Invocation& invocation)
     if (query.isValid())
         return Finder(invocation, query, budget).run(invocation.arguments.mid(1));
     if (invocation.isSet("json")) {
-        writeJson(invocation.output,
+        writeJson(invocation.output, "tresk-find-errors/1",
                   {{QStringLiteral("query"), text},
                    {QStringLiteral("errors"), findingsJson(query.getErrors())}});
     }

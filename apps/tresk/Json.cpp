@@ -31,6 +31,12 @@ QString jsonEscape(char32_t c)
     return result;
 }
 
+QJsonObject withSchema(QJsonObject object, const char* schema)
+{
+    object.insert(QStringLiteral("schema"), QLatin1String(schema));
+    return object;
+}
+
 void write(Output& output, const QByteArray& json)
 {
     // Some lines at a time, since a text takes a multiple of the memory of its UTF-8.
@@ -64,16 +70,17 @@ QJsonValue jsonText(const QString& text)
     return text.isNull() ? QJsonValue(QJsonValue::Null) : QJsonValue(text);
 }
 
-void writeJson(Output& output, const QJsonObject& object)
+void writeJson(Output& output, const char* schema, const QJsonObject& object)
 {
-    write(output, QJsonDocument(object).toJson());
+    write(output, QJsonDocument(withSchema(object, schema)).toJson());
 }
 
-void writeJson(Output& output, QJsonObject object, const QString& name, int count,
-               const std::function<QJsonObject(int index)>& element)
+void writeJson(Output& output, const char* schema, const QJsonObject& object, const QString& name,
+               int count, const std::function<QJsonObject(int index)>& element)
 {
-    object.insert(name, QJsonArray());
-    const QByteArray json = QJsonDocument(object).toJson();
+    QJsonObject rest = withSchema(object, schema);
+    rest.insert(name, QJsonArray());
+    const QByteArray json = QJsonDocument(rest).toJson();
     // No other line begins like this one, since texts have no line breaks and objects in this one
     // are indented further.
     const QByteArray begin = "\n    \"" + name.toUtf8() + "\": [";
@@ -87,9 +94,9 @@ void writeJson(Output& output, QJsonObject object, const QString& name, int coun
     write(output, json.mid(end));
 }
 
-void writeJsonLine(Output& output, const QJsonObject& object)
+void writeJsonLine(Output& output, const char* schema, const QJsonObject& object)
 {
-    write(output, QJsonDocument(object).toJson(QJsonDocument::Compact) + '\n');
+    write(output, QJsonDocument(withSchema(object, schema)).toJson(QJsonDocument::Compact) + '\n');
 }
 
 } // namespace tresk::cli

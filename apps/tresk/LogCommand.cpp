@@ -161,7 +161,7 @@ void printJson(Invocation& invocation, const Document& document, const StepFiles
         QJsonObject object = listedStepJson(step, stepFiles, summaries, purposes, listFiles);
         if (lines) {
             object.insert(QStringLiteral("document"), document.name());
-            writeJsonLine(invocation.output, object);
+            writeJsonLine(invocation.output, "tresk-log-line/1", object);
             if (invocation.output.error() != 0)
                 return;
         } else {
@@ -173,7 +173,7 @@ void printJson(Invocation& invocation, const Document& document, const StepFiles
     QJsonArray rest;
     for (const int id : stepFiles.filesWithoutStep())
         rest += id;
-    writeJson(invocation.output,
+    writeJson(invocation.output, "tresk-log/1",
               {{QStringLiteral("document"), document.name()},
                {QStringLiteral("steps"), steps},
                {QStringLiteral("filesWithoutStep"), rest}});

@@ -128,7 +128,7 @@ int runShow(Invocation& invocation)
             object.insert(QStringLiteral("filesWithoutStep"),
                           filesJson(summaries.filesWithoutStep()));
         }
-        writeJson(invocation.output, object);
+        writeJson(invocation.output, "tresk-show/1", object);
     } else {
         SummaryPrinter printer(invocation, summaries);
         for (const SectionTag& step : *steps) {

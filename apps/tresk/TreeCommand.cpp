@@ -121,7 +121,7 @@ int runTree(Invocation& invocation)
         return exitTrouble;
     const WorkflowTree& tree = history.tree();
     if (invocation.isSet("json")) {
-        writeJson(invocation.output,
+        writeJson(invocation.output, "tresk-tree/1",
                   {{QStringLiteral("document"), history.name()},
                    {QStringLiteral("steps"), stepsJson(tree, tree.children(-1))}});
     } else if (invocation.isSet("dot")) {

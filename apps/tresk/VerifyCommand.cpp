@@ -76,7 +76,7 @@ int Verifier::run(const QStringList& paths)
     }
     if (m_json) {
         writeJson(
-            m_output,
+            m_output, "tresk-verify/1",
             {{QStringLiteral("documents"), m_documents}, {QStringLiteral("counts"), countsJson()}});
     } else if (m_counts.steps + m_counts.files > 0) {
         printLine(countsLine());

@@ -151,9 +151,9 @@ void TestCommandArgs::allIsInTheJson()
     QCOMPARE(second.value(text("type")), QJsonValue(QJsonValue::Null));
     QCOMPARE(second.value(text("thumbnail")), QJsonValue(true));
 
-    QCOMPARE(
-        object,
-        strings("rootFile firstPage readMe verbosity", "root.pdf|cover.pdf|notes.txt|verbose"));
+    QCOMPARE(object,
+             strings("rootFile firstPage readMe verbosity schema",
+                     "root.pdf|cover.pdf|notes.txt|verbose|tresk-args/1"));
 }
 
 void TestCommandArgs::nothingIsShownAsNothing()

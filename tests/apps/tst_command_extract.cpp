@@ -338,8 +338,10 @@ void TestCommandExtract::jsonTellsWhatWasWritten()
                     {text("error"),
                      text("cannot write ") + target("squeezed.txt")
                          + text(": it exists already (--force replaces it)")}}};
-    const QJsonObject expected = {
-        {text("document"), m_document}, {text("directory"), m_target}, {text("files"), files}};
+    const QJsonObject expected = {{text("schema"), text("tresk-extract/1")},
+                                  {text("document"), m_document},
+                                  {text("directory"), m_target},
+                                  {text("files"), files}};
     QCOMPARE(jsonObject(outcome.output), expected);
     QVERIFY(outcome.errors.endsWith(": it exists already (--force replaces it)\n"));
 }

@@ -249,7 +249,8 @@ void TestCommandFiles::jsonHasWhatTheMarkerSays()
     const WrittenFile& written = writer.files().first();
 
     const QJsonObject json = jsonObject(run(writer.bytes(), {text("--json")}).toUtf8());
-    QCOMPARE(json.keys(), QStringList({text("document"), text("files")}));
+    QCOMPARE(json.keys(), QStringList({text("document"), text("files"), text("schema")}));
+    QCOMPARE(json.value(text("schema")).toString(), text("tresk-files/1"));
     QCOMPARE(json.value(text("document")).toString(), m_dir.path(text("some.pdf")));
     const QJsonArray files = json.value(text("files")).toArray();
     QCOMPARE(files.size(), 2);

@@ -158,7 +158,8 @@ void TestCommandFind::filesWithoutAStepAreSearched()
             "", 0);
     compare(find(dir, {text("b:filename == lonely.txt"), text("--jsonl"), text(".")}).run(),
             "{\"bindings\":{\"b\":{\"file\":0,\"key\":\"file:1:0\",\"name\":\"lonely.txt\","
-            "\"step\":null,\"title\":null}},\"document\":\"./a.pdf\"}\n",
+            "\"step\":null,\"title\":null}},\"document\":\"./a.pdf\","
+            "\"schema\":\"tresk-find-line/1\"}\n",
             "", 0);
 }
 

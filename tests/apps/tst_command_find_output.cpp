@@ -156,8 +156,10 @@ void TestCommandFindOutput::jsonIsOneObject()
         const QJsonObject bindings{{text("s"), s}, {text("f"), f}, {text("g"), g}};
         const QJsonObject document{{text("document"), text("./plot.pdf")},
                                    {text("bindings"), bindings}};
-        const QJsonObject expected{
-            {text("query"), query}, {text("count"), 1}, {text("documents"), QJsonArray{document}}};
+        const QJsonObject expected{{text("schema"), text("tresk-find/1")},
+                                   {text("query"), query},
+                                   {text("count"), 1},
+                                   {text("documents"), QJsonArray{document}}};
         QCOMPARE(jsonObject(outcome.output), expected);
     }
 }
@@ -185,7 +187,8 @@ void TestCommandFindOutput::jsonOfNothingFound()
     const QJsonObject object = jsonObject(
         find({text("--json"), text("nothing-of-the-kind"), text(".")}).run().output);
     QCOMPARE(object,
-             (QJsonObject{{text("query"), text("nothing-of-the-kind")},
+             (QJsonObject{{text("schema"), text("tresk-find/1")},
+                          {text("query"), text("nothing-of-the-kind")},
                           {text("count"), 0},
                           {text("documents"), QJsonArray()}}));
     QCOMPARE(find({text("--jsonl"), text("nothing-of-the-kind"), text(".")}).run().output,
@@ -196,13 +199,14 @@ void TestCommandFindOutput::jsonLinesAreObjects()
 {
     QCOMPARE(find({text("--jsonl"), text("s:iswfs"), text(".")}).run().output,
              QByteArray("{\"bindings\":{\"s\":{\"key\":\"wfs:0\",\"step\":0,\"title\":\"other\"}},"
-                        "\"document\":\"./other.pdf\"}\n"
+                        "\"document\":\"./other.pdf\",\"schema\":\"tresk-find-line/1\"}\n"
                         "{\"bindings\":{\"s\":{\"key\":\"wfs:0\",\"step\":1,"
                         "\"title\":\"Measure [2\\\\]\\\\nagain\","
                         "\"titleUnescaped\":\"Measure [2]\\nagain\"}},"
-                        "\"document\":\"./plot.pdf\"}\n"));
+                        "\"document\":\"./plot.pdf\",\"schema\":\"tresk-find-line/1\"}\n"));
     QCOMPARE(find({text("--jsonl"), text("plotter"), text(".")}).run().output,
-             QByteArray("{\"bindings\":{},\"document\":\"./plot.pdf\"}\n"));
+             QByteArray("{\"bindings\":{},\"document\":\"./plot.pdf\","
+                        "\"schema\":\"tresk-find-line/1\"}\n"));
 }
 
 void TestCommandFindOutput::optionsExcludeEachOther_data()

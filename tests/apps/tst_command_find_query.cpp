@@ -189,7 +189,8 @@ void TestCommandFindQuery::findingsAreJson()
                                      {text("position"), 22},
                                      {text("length"), 1},
                                      {text("text"), text("<")}}}));
-    QCOMPARE(object.keys(), (QStringList{text("errors"), text("query")}));
+    QCOMPARE(object.keys(), (QStringList{text("errors"), text("query"), text("schema")}));
+    QCOMPARE(object.value(text("schema")).toString(), text("tresk-find-errors/1"));
     // People are told as ever.
     QCOMPARE(outcome.errors, find(query).errors);
     QCOMPARE(outcome.exitCode, 2);

@@ -106,7 +106,10 @@ void TestCommandLogJson::valuesOfMarkerAndSummary()
     const WrittenSection newest = writer.writeSection(second.with("index", "2"));
 
     const QJsonObject json = run(writer.bytes());
-    QCOMPARE(json.keys(), QStringList({text("document"), text("filesWithoutStep"), text("steps")}));
+    QCOMPARE(
+        json.keys(),
+        QStringList({text("document"), text("filesWithoutStep"), text("schema"), text("steps")}));
+    QCOMPARE(json.value(text("schema")).toString(), text("tresk-log/1"));
     QCOMPARE(json.value(text("document")).toString(), m_dir.path(text("some.pdf")));
     QCOMPARE(json.value(text("filesWithoutStep")).toArray(), QJsonArray());
     const QJsonArray steps = json.value(text("steps")).toArray();
@@ -219,6 +222,7 @@ void TestCommandLogJson::aLineForEachStep()
         for (int i = 0; i < 2; ++i) {
             QJsonObject object = jsonObject(lines[i]);
             QCOMPARE(object.take(text("document")).toString(), path);
+            QCOMPARE(object.take(text("schema")).toString(), text("tresk-log-line/1"));
             QCOMPARE(object, steps[i].toObject());
         }
     }

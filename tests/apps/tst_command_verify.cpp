@@ -374,7 +374,9 @@ void TestCommandVerify::jsonTellsOfEverything()
         {text("steps"), 1},           {text("files"), 2},      {text("right"), 2},
         {text("differs"), 0},         {text("noChecksum"), 1}, {text("brokenStream"), 0},
         {text("outsideDocument"), 0}, {text("unreadable"), 0}, {text("unknownCompression"), 0}};
-    const QJsonObject expected = {{text("documents"), QJsonArray{only}}, {text("counts"), counts}};
+    const QJsonObject expected = {{text("schema"), text("tresk-verify/1")},
+                                  {text("documents"), QJsonArray{only}},
+                                  {text("counts"), counts}};
     QCOMPARE(jsonObject(outcome.output), expected);
 }
 
