@@ -90,6 +90,23 @@ void HtmlWriter::text(const QString& text)
     raw(htmlText(text).toUtf8());
 }
 
+void HtmlWriter::tools(const QString& label)
+{
+    open("div",
+         {{"class", QStringLiteral("tools")},
+          {"role", QStringLiteral("search")},
+          {"hidden", QString()}});
+    element("label", label, {{"for", QStringLiteral("search")}});
+    single("input", {{"id", QStringLiteral("search")}, {"type", QStringLiteral("search")}});
+    element("output", QString(),
+            {{"id", QStringLiteral("found")}, {"for", QStringLiteral("search")}});
+    element("button", QStringLiteral("Fold all"),
+            {{"id", QStringLiteral("fold")},
+             {"type", QStringLiteral("button")},
+             {"aria-pressed", QStringLiteral("false")}});
+    close();
+}
+
 void HtmlWriter::tag(const char* name, const Attributes& attributes)
 {
     QByteArray markup = "<" + QByteArray(name);

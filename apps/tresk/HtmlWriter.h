@@ -42,6 +42,10 @@ public:
     /// Writes an element that has no content and no end, such as an input.
     void single(const char* name, const Attributes& attributes);
     void text(const QString& text);
+    /// Writes a field to search in the elements with the attribute data-item, called @p label, and
+    /// a button to fold the page. Both are hidden until the script, without which they are of no
+    /// use, shows them.
+    void tools(const QString& label);
 
 private:
     void tag(const char* name, const Attributes& attributes);

@@ -28,15 +28,16 @@ bool isUsable(const QString& path)
 
 } // namespace
 
-PageFile::PageFile(Invocation& invocation)
-    : m_invocation(invocation)
-    , m_path(invocation.value("output"))
+PageFile::PageFile(Invocation& invocation, const char* option)
+    : m_output(invocation.output)
+    , m_toFile(invocation.isSet(option))
+    , m_path(invocation.value(option))
 {
 }
 
 bool PageFile::open(const QStringList& documents)
 {
-    if (!m_invocation.isSet("output"))
+    if (!m_toFile)
         return true;
     if (!isUsable(m_path)) {
         reportError(m_path, QStringLiteral("is no name that a page can be written to"));
@@ -61,13 +62,13 @@ void PageFile::write(const QByteArray& bytes)
     if (m_file)
         m_file->write(bytes);
     else
-        m_invocation.output.write(bytes);
+        m_output.write(bytes);
 }
 
 bool PageFile::finish()
 {
     if (!m_file) {
-        m_invocation.output.flush(); // what went wrong there is reported at the end
+        m_output.flush(); // what went wrong there is reported at the end
         return true;
     }
     if (m_file->commit())

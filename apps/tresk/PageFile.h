@@ -10,14 +10,15 @@
 
 namespace tresk::cli {
 
+class Output;
 struct Invocation;
 
-/// Where a page goes that a command makes: to the file that --output names, which gets its name
-/// when it is complete, or to standard output.
+/// Where a page goes that a command makes: to the file that an option names, which gets its name
+/// when it is complete, or to standard output without the option.
 class PageFile {
 public:
     /// The invocation must outlive the object.
-    explicit PageFile(Invocation& invocation);
+    PageFile(Invocation& invocation, const char* option);
 
     /// Reports what is wrong and returns false; so it does for a file that is one of
     /// @p documents, which are not to be written over.
@@ -27,7 +28,8 @@ public:
     bool finish();
 
 private:
-    Invocation& m_invocation;
+    Output& m_output;
+    bool m_toFile;
     QString m_path;
     std::unique_ptr<QSaveFile> m_file; ///< null for standard output
 };

@@ -49,7 +49,7 @@ int runReport(Invocation& invocation)
     if (!checks)
         return exitSignal + interruptedBy();
 
-    PageFile file(invocation);
+    PageFile file(invocation, "output");
     if (!file.open({path}))
         return exitTrouble;
     HtmlWriter html([&file](const QByteArray& bytes) { file.write(bytes); });

@@ -67,7 +67,7 @@ void ReportPage::write()
                    {{"class", QStringLiteral("skip")}, {"href", QStringLiteral("#steps")}});
     writeHeader();
     m_html.open("main");
-    writeTools();
+    m_html.tools(QStringLiteral("Search the steps"));
     writeTimeline();
     m_html.element("h2", QStringLiteral("Tree"));
     writeBranch(m_document.name(), m_history.tree().children(-1), true);
@@ -107,25 +107,6 @@ void ReportPage::writeState()
                    QStringLiteral("Checksums show damage by accident. They do not show who wrote "
                                   "this history, nor that it is true."),
                    {{"class", QStringLiteral("soft")}});
-}
-
-/// Hidden until the script, without which they are of no use, shows them.
-void ReportPage::writeTools()
-{
-    m_html.open("div",
-                {{"class", QStringLiteral("tools")},
-                 {"role", QStringLiteral("search")},
-                 {"hidden", QString()}});
-    m_html.element("label", QStringLiteral("Search the steps"),
-                   {{"for", QStringLiteral("search")}});
-    m_html.single("input", {{"id", QStringLiteral("search")}, {"type", QStringLiteral("search")}});
-    m_html.element("output", QString(),
-                   {{"id", QStringLiteral("found")}, {"for", QStringLiteral("search")}});
-    m_html.element("button", QStringLiteral("Fold all"),
-                   {{"id", QStringLiteral("fold")},
-                    {"type", QStringLiteral("button")},
-                    {"aria-pressed", QStringLiteral("false")}});
-    m_html.close();
 }
 
 void ReportPage::writeTimeline()

@@ -35,7 +35,6 @@ public:
 private:
     void writeHeader();
     void writeState();
-    void writeTools();
     void writeTimeline();
     void writeTree(int parent);
     void writeBranch(const QString& document, const QList<int>& steps, bool isTop);
