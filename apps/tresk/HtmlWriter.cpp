@@ -41,13 +41,13 @@ void HtmlWriter::begin(const QString& title)
 {
     const QByteArray style = asset("page.css");
     const QByteArray script = asset("page.js");
-    raw("<!DOCTYPE html>\n<html lang=\"en\">\n<head>\n<meta charset=\"utf-8\">\n"
+    raw("<!DOCTYPE html>\n<html lang=\"en\">\n<head>\n<meta charset=\"utf-8\"/>\n"
         "<meta http-equiv=\"Content-Security-Policy\" content=\"default-src 'none'; script-src "
         + policyHash(script) + "; style-src " + policyHash(style)
-        + "; img-src data:; base-uri 'none'; form-action 'none'\">\n"
-          "<meta name=\"viewport\" content=\"width=device-width, initial-scale=1\">\n"
-          "<meta name=\"color-scheme\" content=\"light dark\">\n"
-          "<meta name=\"referrer\" content=\"no-referrer\">\n<title>"
+        + "; img-src data:; base-uri 'none'; form-action 'none'\"/>\n"
+          "<meta name=\"viewport\" content=\"width=device-width, initial-scale=1\"/>\n"
+          "<meta name=\"color-scheme\" content=\"light dark\"/>\n"
+          "<meta name=\"referrer\" content=\"no-referrer\"/>\n<title>"
         + htmlText(title).toUtf8() + "</title>\n<style>" + style + "</style>\n</head>\n<body>\n");
     // At the end the whole page is there for it to work on.
     m_open = {"html", "body"};
@@ -63,7 +63,7 @@ void HtmlWriter::end()
 
 void HtmlWriter::open(const char* name, const Attributes& attributes)
 {
-    tag(name, attributes);
+    tag(name, attributes, ">");
     m_open.push_back(name);
 }
 
@@ -82,7 +82,7 @@ void HtmlWriter::element(const char* name, const QString& text, const Attributes
 
 void HtmlWriter::single(const char* name, const Attributes& attributes)
 {
-    tag(name, attributes);
+    tag(name, attributes, "/>");
 }
 
 void HtmlWriter::text(const QString& text)
@@ -97,23 +97,24 @@ void HtmlWriter::tools(const QString& label)
           {"role", QStringLiteral("search")},
           {"hidden", QString()}});
     element("label", label, {{"for", QStringLiteral("search")}});
-    single("input", {{"id", QStringLiteral("search")}, {"type", QStringLiteral("search")}});
+    single("input",
+           {{"id", QStringLiteral("search")},
+            {"type", QStringLiteral("search")},
+            {"autocomplete", QStringLiteral("off")}});
     element("output", QString(),
             {{"id", QStringLiteral("found")}, {"for", QStringLiteral("search")}});
     element("button", QStringLiteral("Fold all"),
-            {{"id", QStringLiteral("fold")},
-             {"type", QStringLiteral("button")},
-             {"aria-pressed", QStringLiteral("false")}});
+            {{"id", QStringLiteral("fold")}, {"type", QStringLiteral("button")}});
     close();
 }
 
-void HtmlWriter::tag(const char* name, const Attributes& attributes)
+void HtmlWriter::tag(const char* name, const Attributes& attributes, const char* end)
 {
     QByteArray markup = "<" + QByteArray(name);
     for (const auto& attribute : attributes)
         markup += " " + QByteArray(attribute.first) + "=\"" + htmlText(attribute.second).toUtf8()
             + "\"";
-    raw(markup + ">");
+    raw(markup + end);
 }
 
 void HtmlWriter::raw(const QByteArray& markup)

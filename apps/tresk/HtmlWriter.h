@@ -15,7 +15,8 @@ namespace tresk::cli {
 /// references for the characters that HTML gives a meaning.
 QString htmlText(const QString& text);
 
-/// Writes a page of HTML that needs nothing but itself.
+/// Writes a page of HTML that needs nothing but itself. But for the style and the script, it is
+/// well-formed XML, too.
 ///
 /// The page forbids itself everything but its own style, its own script and pictures that stand in
 /// it, by a content security policy. All texts are escaped; names of elements and attributes are
@@ -48,7 +49,7 @@ public:
     void tools(const QString& label);
 
 private:
-    void tag(const char* name, const Attributes& attributes);
+    void tag(const char* name, const Attributes& attributes, const char* end);
     void raw(const QByteArray& markup);
 
     Sink m_sink;

@@ -1,3 +1,4 @@
+#include "CheckResults.h"
 #include "Commands.h"
 #include "Document.h"
 #include "HistoryTree.h"
@@ -5,31 +6,44 @@
 #include "Invocation.h"
 #include "Limits.h"
 #include "PageFile.h"
-#include "Progress.h"
 #include "ReportPage.h"
 #include "StepFiles.h"
 #include "Summaries.h"
-#include "Verification.h"
 
-#include <optional>
+#include <algorithm>
 
 namespace tresk::cli {
 
 namespace {
 
-/// Checks the document. Nothing if a signal has ended it.
-std::optional<CheckResults> checked(Document& document)
+/// What the summaries of the document itself may take: no more than in its tree, so that what the
+/// tree leaves out, and says so, is left out everywhere.
+SummaryBudget summaryBudget(const WorkflowTreeLimits& limits)
 {
-    CheckResults results;
-    Verification verification(document, [&](const Verification::Item& item) {
-        ++results.checked;
-        if (!item.fault.isNone())
-            (item.isStep ? results.steps : results.files).insert(item.id, item.fault);
-    });
-    Progress progress(verification.bytesToCheck());
-    if (verification.run(progress))
-        return results;
-    return std::nullopt;
+    SummaryBudget budget;
+    budget.bytes = std::min(limits.bytes, limits.summaryBytes);
+    budget.files = limits.records;
+    return budget;
+}
+
+/// Writes the page. Reports what goes wrong and returns false.
+bool writePage(Invocation& invocation, const ReportSources& sources)
+{
+    PageFile file(invocation, "output");
+    if (!file.open(invocation.arguments))
+        return false;
+    HtmlWriter html([&file](const QByteArray& bytes) { file.write(bytes); });
+    ReportPage(html, sources, [&file] { return !file.isLost(); }).write();
+    return file.finish();
+}
+
+/// Reports the checks that have failed. Returns the exit code.
+int conclude(const Document& document, const CheckResults& checks)
+{
+    if (checks.failed() == 0)
+        return exitDone;
+    document.report(checks.failureText() + QStringLiteral(" ('tresk verify' lists them)"));
+    return checks.count(ItemStatus::Unreadable) > 0 ? exitTrouble : exitFailed;
 }
 
 int runReport(Invocation& invocation)
@@ -37,26 +51,25 @@ int runReport(Invocation& invocation)
     WorkflowTreeLimits limits = usualTreeLimits();
     if (!applyLimits(invocation, findCommandNamed(QStringLiteral("report")), limits))
         return exitTrouble;
-    watchForInterruption();
     const QString path = invocation.arguments.first();
-    Document document;
     HistoryTree history;
-    if (!document.openWithSteps(path) || !history.read(path, limits))
+    Document document;
+    if (!history.read(path, limits) || !document.openWithSteps(path))
         return exitTrouble;
+    watchForInterruption();
     const StepFiles stepFiles(document.parser());
-    const Summaries summaries(document, stepFiles);
-    const std::optional<CheckResults> checks = checked(document);
-    if (!checks)
+    const Summaries summaries(document, stepFiles, summaryBudget(limits));
+    const std::optional<CheckResults> checks = CheckResults::of(document);
+    const bool isWritten = checks
+        && writePage(invocation, {document, stepFiles, summaries, history, *checks});
+    if (interruptedBy() != 0)
         return exitSignal + interruptedBy();
-
-    PageFile file(invocation, "output");
-    if (!file.open({path}))
+    if (!isWritten)
         return exitTrouble;
-    HtmlWriter html([&file](const QByteArray& bytes) { file.write(bytes); });
-    ReportPage(html, document, stepFiles, summaries, history, *checks).write();
-    const bool isWritten = file.finish();
-    const bool complete = summaries.checkMissing();
-    return isWritten && complete && history.isWhole() ? exitDone : exitTrouble;
+    summaries.warnOfUnreadable();
+    const int exitCode = conclude(document, *checks);
+    const bool isWhole = history.isWhole() && document.checkReading();
+    return isWhole ? exitCode : exitTrouble;
 }
 
 } // namespace
@@ -68,10 +81,12 @@ Command reportCommand()
             "DOC",
             "Makes one HTML file, which needs no network and no other file, of the history of a\n"
             "document: a timeline, the tree of steps and embedded documents, and all that is\n"
-            "known of each step and its files, with the pictures among them and the state of\n"
-            "the checksums. For example:\n"
+            "known of each step and its files, with the pictures that the document embeds and\n"
+            "the state of its checksums.\n"
             "\n"
-            "  tresk report report.pdf -o report.html\n",
+            "FILE is replaced if it is there, unless it is the document. The exit code is 1 if\n"
+            "checks fail, and 2 if there is no history or a part of it is missing; the page\n"
+            "says so, too. Embedded documents are read within the limits of 'tresk tree'.\n",
             withTreeLimits({{'o', "output", "FILE", "write to FILE instead of standard output"}}),
             {"DOC"},
             1,

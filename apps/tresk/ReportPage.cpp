@@ -1,106 +1,98 @@
 #include "ReportPage.h"
 
-#include "ContentReader.h"
+#include "CheckResults.h"
 #include "Document.h"
 #include "HistoryTree.h"
-#include "Picture.h"
-#include "StepFields.h"
 #include "StepFiles.h"
 #include "Summaries.h"
 #include "Text.h"
+
+#include <utility>
 
 namespace tresk::cli {
 
 namespace {
 
-constexpr int largestPicture = 2 * 1024 * 1024;
-constexpr qint64 mostPictureBytes = 32 * 1024 * 1024; // in all
-
-QString stepAnchor(int id)
+/// Which nodes of the tree are steps of the document itself, and where links to them lead. In
+/// front of the steps there is a node for the files that lie in none.
+QHash<int, QString> anchorsOfSteps(const HistoryTree& history, const StepFiles& stepFiles)
 {
-    return QStringLiteral("step-%1").arg(id);
+    const QList<int> nodes = history.tree().children(-1);
+    const QList<SectionTag>& steps = stepFiles.steps();
+    const auto others = nodes.size() - steps.size();
+    QHash<int, QString> anchors;
+    for (int i = 0; i < nodes.size(); ++i) {
+        anchors.insert(nodes[i],
+                       i < others ? QStringLiteral("without-step")
+                                  : StepArticles::anchorOf(steps[int(i - others)]));
+    }
+    return anchors;
 }
 
-void writeFields(HtmlWriter& html, const QList<NamedValue>& fields)
+QString documentAnchor(const Branch& branch)
 {
-    for (const NamedValue& field : fields) {
-        html.element("dt", QLatin1String(field.name));
-        html.element("dd", field.value);
-    }
+    return QStringLiteral("document-%1").arg(branch.steps.first());
 }
 
-/// The content of an embedded file that is no larger than a picture may be; empty for others, and
-/// where it is damaged.
-QByteArray smallContent(Document& document, const FileTag& file)
+QString linkTo(const QString& anchor)
 {
-    if (file.filesize <= 0 || file.filesize > largestPicture)
-        return {};
-    ContentReader reader(document, file);
-    QByteArray content;
-    for (QByteArray piece = reader.next(); !piece.isEmpty(); piece = reader.next()) {
-        content += piece;
-        if (content.size() > largestPicture)
-            return {};
-    }
-    return reader.error().isEmpty() ? content : QByteArray();
+    return QLatin1Char('#') + anchor;
 }
 
 } // namespace
 
-ReportPage::ReportPage(HtmlWriter& html, Document& document, const StepFiles& stepFiles,
-                       const Summaries& summaries, const HistoryTree& history,
-                       const CheckResults& checks)
+ReportPage::ReportPage(HtmlWriter& html, const ReportSources& sources, std::function<bool()> goesOn)
     : m_html(html)
-    , m_document(document)
-    , m_stepFiles(stepFiles)
-    , m_summaries(summaries)
-    , m_history(history)
-    , m_checks(checks)
-    , m_pictureBytesLeft(mostPictureBytes)
+    , m_sources(sources)
+    , m_articles(html, sources.document, sources.summaries, sources.checks)
+    , m_goesOn(std::move(goesOn))
+    , m_anchors(anchorsOfSteps(sources.history, sources.stepFiles))
 {
 }
 
 void ReportPage::write()
 {
-    m_html.begin(QStringLiteral("History of ") + m_document.name());
+    m_html.begin(QStringLiteral("History of ") + m_sources.document.name());
     m_html.element("a", QStringLiteral("Skip to the steps"),
                    {{"class", QStringLiteral("skip")}, {"href", QStringLiteral("#steps")}});
     writeHeader();
     m_html.open("main");
     m_html.tools(QStringLiteral("Search the steps"));
     writeTimeline();
-    m_html.element("h2", QStringLiteral("Tree"));
-    writeBranch(m_document.name(), m_history.tree().children(-1), true);
+    writeTree();
     writeSteps();
-    writeFilesWithoutStep();
+    writeEmbeddedDocuments();
     m_html.end();
 }
 
 void ReportPage::writeHeader()
 {
     m_html.open("header");
-    m_html.element("h1", m_document.name());
-    m_html.element("p",
-                   QStringLiteral("%1, %2, %3")
-                       .arg(counted(m_stepFiles.steps().size(), QStringLiteral("step")),
-                            counted(m_stepFiles.files().size(), QStringLiteral("embedded file")),
-                            humanSize(m_document.size())),
-                   {{"class", QStringLiteral("facts")}});
+    m_html.element("h1", m_sources.document.name());
+    m_html.element(
+        "p",
+        QStringLiteral("%1, %2, %3")
+            .arg(counted(m_sources.stepFiles.steps().size(), QStringLiteral("step")),
+                 counted(m_sources.stepFiles.files().size(), QStringLiteral("embedded file")),
+                 humanSize(m_sources.document.size())),
+        {{"class", QStringLiteral("soft")}});
     writeState();
+    writeProblems();
     m_html.close();
 }
 
 void ReportPage::writeState()
 {
-    const auto failed = m_checks.steps.size() + m_checks.files.size();
-    if (failed == 0) {
-        m_html.element("p", QStringLiteral("\u2713 All checksums are right."),
+    const CheckResults& checks = m_sources.checks;
+    if (checks.failed() == 0) {
+        m_html.element("p",
+                       QStringLiteral("\u2713 All checksums are right: %1 checked.")
+                           .arg(counted(checks.checked(), QStringLiteral("item"))),
                        {{"class", QStringLiteral("right")}});
     } else {
         m_html.element(
             "p",
-            QStringLiteral("\u2717 %1 of %2 checks failed: see the steps and files below.")
-                .arg(QString::number(failed), QString::number(m_checks.checked)),
+            QStringLiteral("\u2717 %1. See the steps and files below.").arg(checks.failureText()),
             {{"class", QStringLiteral("wrong")}});
     }
     m_html.element("p",
@@ -109,160 +101,151 @@ void ReportPage::writeState()
                    {{"class", QStringLiteral("soft")}});
 }
 
+/// What the page lacks.
+void ReportPage::writeProblems()
+{
+    const QStringList& problems = m_sources.history.problems();
+    if (problems.isEmpty())
+        return;
+    openSection(QStringLiteral("problems"), QStringLiteral("This is not the whole history"));
+    m_html.open("ul", {{"class", QStringLiteral("wrong")}});
+    for (const QString& problem : problems)
+        m_html.element("li", problem);
+    m_html.close();
+    m_html.close();
+}
+
 void ReportPage::writeTimeline()
 {
-    m_html.element("h2", QStringLiteral("Timeline"));
+    openSection(QStringLiteral("timeline"), QStringLiteral("Timeline"));
     m_html.open("ol", {{"class", QStringLiteral("timeline")}});
-    for (const SectionTag& step : m_stepFiles.steps()) {
-        const Summary& summary = m_summaries.of(step);
-        m_html.open("li", {{"data-item", QString()}});
-        m_html.element("time",
-                       summary.timestamp.isEmpty() ? QStringLiteral("at an unknown time")
-                                                   : summary.timestamp);
-        m_html.element("a", titleOf(step, summary),
-                       {{"href", QLatin1Char('#') + stepAnchor(step.id)}});
+    for (const SectionTag& step : m_sources.stepFiles.steps()) {
+        if (!m_goesOn())
+            break;
+        const Summary& summary = m_sources.summaries.of(step);
+        const QString anchor = StepArticles::anchorOf(step);
+        m_html.open("li", {{"data-of", anchor}});
+        m_html.element(
+            "div", summary.timestamp.isEmpty() ? QStringLiteral("time unknown") : summary.timestamp,
+            {{"class", QStringLiteral("soft")}});
+        m_html.element("a", titleOf(step, summary), {{"href", linkTo(anchor)}});
         const QString who = userAndHost(summary);
-        m_html.open("div", {{"class", QStringLiteral("soft")}});
         const bool areBoth = !summary.tool.isEmpty() && !who.isEmpty();
-        m_html.text(summary.tool + (areBoth ? QStringLiteral(", ") : QString()) + who);
-        m_html.close();
+        m_html.element("div", summary.tool + (areBoth ? QStringLiteral(", ") : QString()) + who,
+                       {{"class", QStringLiteral("soft")}});
         m_html.close();
     }
     m_html.close();
+    m_html.close();
 }
 
-void ReportPage::writeTree(int parent)
+void ReportPage::writeTree()
 {
-    const QList<Branch> branches = branchesOf(m_history.tree(), parent);
-    for (const Branch& branch : branches)
-        writeBranch(branch.document, branch.steps, false);
+    openSection(QStringLiteral("tree"), QStringLiteral("Tree"));
+    m_html.open("div", {{"class", QStringLiteral("tree scroll")}});
+    writeTreeSteps(m_sources.history.tree().children(-1));
+    m_html.close();
+    m_html.close();
 }
 
-/// The steps of one document, each with the documents that it embeds under it.
-void ReportPage::writeBranch(const QString& document, const QList<int>& steps, bool isTop)
+/// Steps of one document, each with the documents that it embeds under it. Two elements a level,
+/// since browsers nest some hundreds only.
+void ReportPage::writeTreeSteps(const QList<int>& steps)
 {
-    m_html.open("details", {{"open", QString()}});
-    m_html.element("summary", document);
+    const WorkflowTree& tree = m_sources.history.tree();
     m_html.open("ul");
     for (const int id : steps) {
-        const Workflowstep& step = *m_history.tree().workflowStep(id);
-        m_html.open("li");
-        // Only steps of the document itself have an entry of their own below.
-        if (isTop && step.tagId >= 0) {
-            m_html.element("a", titleOf(step),
-                           {{"href", QLatin1Char('#') + stepAnchor(step.tagId)}});
-        } else {
-            m_html.text(titleOf(step));
-        }
+        if (!m_goesOn())
+            break;
+        const Workflowstep& step = *tree.workflowStep(id);
+        const QString anchor = anchorOf(id);
+        m_html.open("li", {{"data-of", anchor}});
+        m_html.element("a", titleOf(step), {{"href", linkTo(anchor)}});
         m_html.element("span", circumstancesOf(step), {{"class", QStringLiteral("soft")}});
-        writeTree(id);
+        const QList<Branch> branches = branchesOf(tree, id);
+        for (const Branch& branch : branches) {
+            m_html.open("div");
+            m_html.text(QStringLiteral("embeds "));
+            m_html.element("a", branch.document, {{"href", linkTo(documentAnchor(branch))}});
+            m_html.close();
+            writeTreeSteps(branch.steps);
+        }
         m_html.close();
     }
-    m_html.close();
     m_html.close();
 }
 
 void ReportPage::writeSteps()
 {
-    m_html.element("h2", QStringLiteral("Steps"), {{"id", QStringLiteral("steps")}});
-    for (const SectionTag& step : m_stepFiles.steps())
-        writeStep(step);
-}
-
-void ReportPage::writeStep(const SectionTag& step)
-{
-    const Summary& summary = m_summaries.of(step);
-    m_html.open("article", {{"id", stepAnchor(step.id)}, {"data-item", QString()}});
-    m_html.open("details", {{"open", QString()}});
-    m_html.open("summary");
-    m_html.element("h3", QStringLiteral("Step %1: ").arg(step.id) + titleOf(step, summary));
-    m_html.close();
-    m_html.open("div", {{"class", QStringLiteral("body")}});
-    writeFault(m_checks.steps.value(step.id));
-    m_html.open("dl");
-    writeFields(m_html, summaryFields(summary));
-    writeAttributes(summary);
-    m_html.close();
-    writeFiles(m_summaries.filesOf(step));
-    m_html.close();
-    m_html.close();
+    openSection(QStringLiteral("steps"), QStringLiteral("Steps"));
+    for (const SectionTag& step : m_sources.stepFiles.steps()) {
+        if (!m_goesOn())
+            break;
+        m_articles.write(step);
+    }
+    m_articles.writeFilesWithoutStep();
     m_html.close();
 }
 
-void ReportPage::writeFilesWithoutStep()
+void ReportPage::writeEmbeddedDocuments()
 {
-    const QList<FileSummary> files = m_summaries.filesWithoutStep();
-    if (files.isEmpty())
+    const WorkflowTree& tree = m_sources.history.tree();
+    const QList<int> steps = tree.children(-1);
+    if (tree.nodeIds().size() == steps.size())
         return;
-    m_html.element("h2", QStringLiteral("Files that lie in no step"));
-    m_html.open("article", {{"data-item", QString()}});
-    m_html.open("div", {{"class", QStringLiteral("body")}});
-    writeFiles(files);
-    m_html.close();
+    openSection(QStringLiteral("embedded"), QStringLiteral("Steps of embedded documents"));
+    writeEmbeddedDocuments(steps);
     m_html.close();
 }
 
-void ReportPage::writeFiles(const QList<FileSummary>& files)
+/// The documents that hang under @p steps, and those under their steps.
+void ReportPage::writeEmbeddedDocuments(const QList<int>& steps)
 {
-    for (const FileSummary& file : files)
-        writeFile(file);
-}
-
-void ReportPage::writeFile(const FileSummary& file)
-{
-    const QString purpose = isInput(file) ? QStringLiteral("Input: ")
-        : isOutput(file)                  ? QStringLiteral("Output: ")
-                                          : QStringLiteral("File: ");
-    m_html.open("details");
-    m_html.open("summary");
-    m_html.text(purpose + nameOf(file));
-    m_html.close();
-    if (file.tagId >= 0)
-        writeFault(m_checks.files.value(file.tagId));
-    m_html.open("dl");
-    writeFields(m_html, fileFields(file));
-    writeAttributes(file);
-    m_html.close();
-    m_html.close();
-    writePicture(file);
-}
-
-/// The file itself, if it is embedded and a picture that can be shown.
-void ReportPage::writePicture(const FileSummary& file)
-{
-    if (file.tagId < 0 || m_pictureBytesLeft <= 0)
-        return;
-    const QByteArray content = smallContent(m_document, *m_document.parser().getFile(file.tagId));
-    const QByteArray type = pictureType(content);
-    if (type.isEmpty() || content.size() > m_pictureBytesLeft)
-        return;
-    m_pictureBytesLeft -= content.size();
-    m_html.open("figure");
-    m_html.single("img",
-                  {{"src", QLatin1String("data:" + type + ";base64," + content.toBase64())},
-                   {"alt", nameOf(file)},
-                   {"loading", QStringLiteral("lazy")}});
-    m_html.element("figcaption", nameOf(file));
-    m_html.close();
-}
-
-void ReportPage::writeFault(const Fault& fault)
-{
-    if (!fault.isNone()) {
-        m_html.element("p", QStringLiteral("\u2717 Check failed: ") + fault.text,
-                       {{"class", QStringLiteral("wrong")}});
+    for (const int step : steps) {
+        const QList<Branch> branches = branchesOf(m_sources.history.tree(), step);
+        for (const Branch& branch : branches) {
+            if (!m_goesOn())
+                return;
+            writeEmbeddedDocument(branch, step);
+            writeEmbeddedDocuments(branch.steps);
+        }
     }
 }
 
-/// In a list of fields that is open.
-template <typename Record>
-void ReportPage::writeAttributes(const Record& record)
+/// The document that hangs under @p step.
+void ReportPage::writeEmbeddedDocument(const Branch& branch, int step)
 {
-    const QList<Attribute> attributes = attributesOf(record);
-    for (const Attribute& attribute : attributes) {
-        m_html.element("dt", nameText(attribute), {{"class", QStringLiteral("attribute")}});
-        m_html.element("dd", valueText(attribute));
+    const WorkflowTree& tree = m_sources.history.tree();
+    const QString anchor = documentAnchor(branch);
+    m_html.open("section",
+                {{"id", anchor},
+                 {"aria-labelledby", anchor + QStringLiteral("-heading")},
+                 {"data-group", QString()}});
+    m_html.element("h3", branch.document, {{"id", anchor + QStringLiteral("-heading")}});
+    m_html.open("p", {{"class", QStringLiteral("soft")}});
+    m_html.text(QStringLiteral("Embedded in the step "));
+    m_html.element("a", titleOf(*tree.workflowStep(step)), {{"href", linkTo(anchorOf(step))}});
+    m_html.text(QStringLiteral(" of ") + tree.treskfile(step));
+    m_html.close();
+    for (const int id : branch.steps) {
+        if (!m_goesOn())
+            break;
+        m_articles.write(id, *tree.workflowStep(id));
     }
+    m_html.close();
+}
+
+void ReportPage::openSection(const QString& id, const QString& heading)
+{
+    const QString headingId = id + QStringLiteral("-heading");
+    m_html.open("section", {{"id", id}, {"aria-labelledby", headingId}, {"data-group", QString()}});
+    m_html.element("h2", heading, {{"id", headingId}});
+}
+
+QString ReportPage::anchorOf(int node) const
+{
+    const auto found = m_anchors.constFind(node);
+    return found == m_anchors.constEnd() ? StepArticles::anchorOf(node) : *found;
 }
 
 } // namespace tresk::cli

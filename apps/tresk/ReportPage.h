@@ -2,59 +2,59 @@
 #define TRESK_APPS_REPORTPAGE_H
 
 #include "HtmlWriter.h"
-#include "ItemStatus.h"
-
-#include <tresk/Summary.h>
-#include <tresk/TreskParser.h>
+#include "StepArticles.h"
 
 #include <QHash>
+#include <QList>
+#include <QString>
+
+#include <functional>
 
 namespace tresk::cli {
 
+class CheckResults;
 class Document;
 class HistoryTree;
 class StepFiles;
 class Summaries;
+struct Branch;
 
-/// What has become of the checks of a document.
-struct CheckResults {
-    QHash<int, Fault> steps; ///< those that fail
-    QHash<int, Fault> files;
-    int checked = 0; ///< steps and files in all
+/// What a page is made of.
+struct ReportSources {
+    Document& document;
+    const StepFiles& stepFiles;
+    const Summaries& summaries;
+    const HistoryTree& history;
+    const CheckResults& checks;
 };
 
 /// Writes the history of a document as a page for people who would rather look than read.
 class ReportPage {
 public:
-    /// All of them must outlive the object.
-    ReportPage(HtmlWriter& html, Document& document, const StepFiles& stepFiles,
-               const Summaries& summaries, const HistoryTree& history, const CheckResults& checks);
+    /// Both must outlive the object. Asks before each step whether @p goesOn.
+    ReportPage(HtmlWriter& html, const ReportSources& sources, std::function<bool()> goesOn);
 
     void write();
 
 private:
     void writeHeader();
     void writeState();
+    void writeProblems();
     void writeTimeline();
-    void writeTree(int parent);
-    void writeBranch(const QString& document, const QList<int>& steps, bool isTop);
+    void writeTree();
+    void writeTreeSteps(const QList<int>& steps);
     void writeSteps();
-    void writeStep(const SectionTag& step);
-    void writeFilesWithoutStep();
-    void writeFiles(const QList<FileSummary>& files);
-    void writeFile(const FileSummary& file);
-    void writePicture(const FileSummary& file);
-    void writeFault(const Fault& fault);
-    template <typename Record>
-    void writeAttributes(const Record& record);
+    void writeEmbeddedDocuments();
+    void writeEmbeddedDocuments(const QList<int>& steps);
+    void writeEmbeddedDocument(const Branch& branch, int step);
+    void openSection(const QString& id, const QString& heading);
+    QString anchorOf(int node) const;
 
     HtmlWriter& m_html;
-    Document& m_document;
-    const StepFiles& m_stepFiles;
-    const Summaries& m_summaries;
-    const HistoryTree& m_history;
-    const CheckResults& m_checks;
-    qint64 m_pictureBytesLeft;
+    ReportSources m_sources;
+    StepArticles m_articles;
+    std::function<bool()> m_goesOn;
+    QHash<int, QString> m_anchors; ///< of the nodes that are steps of the document itself
 };
 
 } // namespace tresk::cli

@@ -9,36 +9,72 @@
   const found = document.getElementById("found");
   const fold = document.getElementById("fold");
   const items = Array.from(document.querySelectorAll("[data-item]"));
-  const folds = Array.from(document.querySelectorAll("details"));
   const texts = items.map((item) => item.textContent.toLowerCase());
-  tools.hidden = false;
+  // What is shown only with the items that it stands for or holds.
+  const rest = Array.from(document.querySelectorAll("main [data-of], main [data-group]"));
+  const stands = new Map();
+  rest.forEach((element) => {
+    const list = stands.get(element.dataset.of) || [];
+    stands.set(element.dataset.of, list.concat(element));
+  });
+
+  function show(element) {
+    for (let outer = element; outer; outer = outer.parentElement) {
+      outer.hidden = false;
+    }
+  }
 
   function find() {
     const words = search.value.toLowerCase().split(/\s+/).filter((word) => word !== "");
+    const all = words.length === 0;
     let count = 0;
+    items.concat(rest).forEach((element) => { element.hidden = !all; });
     items.forEach((item, i) => {
-      const holds = words.every((word) => texts[i].includes(word));
-      item.hidden = !holds;
-      count += holds ? 1 : 0;
+      if (!all && words.every((word) => texts[i].includes(word))) {
+        show(item);
+        (stands.get(item.id) || []).forEach(show);
+        count += 1;
+      }
     });
-    found.textContent = words.length === 0 ? "" : count + " of " + items.length;
+    found.textContent = all ? "" : count + " of " + items.length;
   }
 
-  function setFolded(folded) {
+  const folds = Array.from(document.querySelectorAll("details"));
+  const isMore = (element) => element.classList.contains("more");
+  let folded = false;
+
+  function setFolded(fold_) {
+    folded = fold_;
     folds.forEach((element) => { element.open = !folded; });
-    fold.setAttribute("aria-pressed", String(folded));
     fold.textContent = folded ? "Unfold all" : "Fold all";
   }
 
-  search.addEventListener("input", find);
-  fold.addEventListener("click", () => setFolded(fold.getAttribute("aria-pressed") !== "true"));
-  // Paper cannot be unfolded, and a link leads to what it names.
-  window.addEventListener("beforeprint", () => setFolded(false));
-  window.addEventListener("hashchange", () => {
+  // A link leads to what can be seen.
+  function unfoldTarget() {
     const target = document.getElementById(decodeURIComponent(location.hash.slice(1)));
     const inner = target && target.querySelector("details");
     if (inner) {
       inner.open = true;
     }
-  });
+  }
+
+  // Paper cannot be unfolded.
+  let closed = [];
+  function unfoldForPaper() {
+    closed = folds.filter((element) => !element.open);
+    closed.forEach((element) => { element.open = true; });
+  }
+  function foldAgain() {
+    closed.forEach((element) => { element.open = false; });
+  }
+
+  folds.filter(isMore).forEach((element) => { element.open = false; });
+  fold.hidden = folds.length === 0;
+  tools.hidden = false;
+  search.addEventListener("input", find);
+  fold.addEventListener("click", () => setFolded(!folded));
+  window.addEventListener("beforeprint", unfoldForPaper);
+  window.addEventListener("afterprint", foldAgain);
+  window.addEventListener("hashchange", unfoldTarget);
+  unfoldTarget();
 }());
