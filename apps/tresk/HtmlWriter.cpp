@@ -7,6 +7,13 @@
 
 #include <utility>
 
+/// Files that are part of a static library are left out of a program that does not ask for them.
+/// Qt wants this outside of namespaces.
+static void initPageResources()
+{
+    Q_INIT_RESOURCE(page);
+}
+
 namespace tresk::cli {
 
 namespace {
@@ -14,6 +21,7 @@ namespace {
 /// A file that is part of the program.
 QByteArray asset(const char* name)
 {
+    initPageResources();
     QFile file(QStringLiteral(":/page/") + QLatin1String(name));
     return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
 }

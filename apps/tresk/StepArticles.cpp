@@ -73,12 +73,15 @@ void StepArticles::write(const SectionTag& step)
     const Summary& summary = m_summaries.of(step);
     const QList<FileSummary> files = m_summaries.filesOf(step);
     open(anchorOf(step), "h3", QStringLiteral("Step %1: ").arg(step.id) + titleOf(step, summary));
-    writeCheck("p", m_checks.ofStep(step.id));
+    m_html.open("dl");
+    m_html.element("dt", QStringLiteral("checksum"));
+    writeCheck("dd", m_checks.ofStep(step.id));
+    writeFields(summary);
+    m_html.close();
     if (m_summaries.isUnreadable(step)) {
         m_html.element("p", QStringLiteral("\u2717 The summary of this step cannot be read."),
                        {{"class", QStringLiteral("wrong")}});
     }
-    writeFields(summary);
     writePictures(files);
     writeFiles(files, true);
     close();
@@ -90,7 +93,9 @@ void StepArticles::write(int id, const Workflowstep& step)
     Summary summary;
     static_cast<Workflowstep&>(summary) = step;
     summary.fromXml = true; // or not: that is not known here, and not to be told
+    m_html.open("dl");
     writeFields(summary);
+    m_html.close();
     writeFiles(step.files, false);
     close();
 }
@@ -123,15 +128,11 @@ void StepArticles::close()
     m_html.close();
 }
 
+/// In a list of fields that is open.
 void StepArticles::writeFields(const Summary& summary)
 {
-    const QList<NamedValue> values = summaryFields(summary);
-    if (values.isEmpty() && summary.userAttributeNames.isEmpty())
-        return;
-    m_html.open("dl");
-    writeNamedValues(m_html, values);
+    writeNamedValues(m_html, summaryFields(summary));
     writeAttributes(m_html, summary);
-    m_html.close();
 }
 
 void StepArticles::writePictures(const QList<FileSummary>& files)
@@ -212,10 +213,10 @@ void StepArticles::writeFile(const FileSummary& file, bool isChecked)
 void StepArticles::writeCheck(const char* element, const Fault& fault)
 {
     if (fault.isNone()) {
-        m_html.element(element, QStringLiteral("\u2713 checksum is right"),
+        m_html.element(element, QStringLiteral("\u2713 right"),
                        {{"class", QStringLiteral("right")}});
     } else {
-        m_html.element(element, QStringLiteral("\u2717 check failed: ") + fault.text,
+        m_html.element(element, QStringLiteral("\u2717 failed: ") + fault.text,
                        {{"class", QStringLiteral("wrong")}});
     }
 }
