@@ -58,8 +58,8 @@ const std::vector<Command>& commands()
 {
     static const std::vector<Command> all = {
         logCommand(),    showCommand(), filesCommand(), catCommand(),  extractCommand(),
-        verifyCommand(), findCommand(), treeCommand(),  diffCommand(), argsCommand(),
-        addCommand(),    undoCommand(), helpCommand()};
+        verifyCommand(), findCommand(), treeCommand(),  diffCommand(), reportCommand(),
+        argsCommand(),   addCommand(),  undoCommand(),  helpCommand()};
     return all;
 }
 

@@ -19,6 +19,7 @@ Command filesCommand();
 Command findCommand();
 Command helpCommand();
 Command logCommand();
+Command reportCommand();
 Command showCommand();
 Command treeCommand();
 Command undoCommand();

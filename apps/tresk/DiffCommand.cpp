@@ -1,9 +1,11 @@
 #include "Commands.h"
+#include "DiffPage.h"
 #include "DiffReport.h"
 #include "HistoryTree.h"
 #include "Invocation.h"
 #include "Limits.h"
 #include "Messages.h"
+#include "PageFile.h"
 
 #include <tresk/TreskDiff.h>
 #include <tresk/WorkflowstepCosts.h>
@@ -27,11 +29,35 @@ int wantedResults(const Invocation& invocation, const Command* command)
     return 0;
 }
 
+/// Writes @p way of pairing the steps as a page. Reports what goes wrong and returns false.
+bool writePage(Invocation& invocation, const HistoryTree& first, const HistoryTree& second,
+               const StepPairs& way, bool certain)
+{
+    PageFile file(invocation, "html");
+    if (!file.open(invocation.arguments))
+        return false;
+    HtmlWriter html([&file](const QByteArray& bytes) { file.write(bytes); });
+    DiffPage(html, first, second, way, certain).write();
+    return file.finish();
+}
+
+void print(Invocation& invocation, const HistoryTree& first, const HistoryTree& second,
+           const QList<StepPairs>& ways, bool certain)
+{
+    DiffReport report(invocation, first, second, certain);
+    for (const StepPairs& way : ways)
+        report.add(way);
+    report.finish();
+}
+
 int runDiff(Invocation& invocation)
 {
     const Command* const command = findCommandNamed(QStringLiteral("diff"));
-    if (invocation.isSet("json") && invocation.isSet("dot"))
-        return reportUsage(command, QStringLiteral("--json and --dot exclude each other"));
+    const int forms = int(invocation.isSet("json")) + int(invocation.isSet("dot"))
+        + int(invocation.isSet("html"));
+    if (forms > 1) {
+        return reportUsage(command, QStringLiteral("--json, --dot and --html exclude each other"));
+    }
     const int wanted = wantedResults(invocation, command);
     if (wanted == 0)
         return exitTrouble;
@@ -46,18 +72,23 @@ int runDiff(Invocation& invocation)
 
     WorkflowstepCosts costs;
     TreskDiff diff(first.tree(), second.tree(), &costs);
-    DiffReport report(invocation, first, second);
+    bool certain = true;
     QObject::connect(&diff, &LogSource::log, &diff, [&](const QString& message) {
         reportWarning(first.name() + QStringLiteral(", ") + second.name(), message);
-        report.setUncertain();
+        certain = false;
     });
+    QList<StepPairs> ways; // best first
     const QList<TreskDiffResult> results = diff.findBestMatches(wanted);
     for (const TreskDiffResult& result : results)
-        report.add(result);
-    report.finish();
+        ways += stepPairs(first, second, result);
+
+    if (!invocation.isSet("html"))
+        print(invocation, first, second, ways, certain);
+    else if (!writePage(invocation, first, second, ways.first(), certain))
+        return exitTrouble;
     if (!first.isWhole() || !second.isWhole())
         return exitTrouble;
-    return report.bestIsSame() ? exitDone : exitFailed;
+    return ways.first().areSame() ? exitDone : exitFailed;
 }
 
 } // namespace
@@ -79,9 +110,12 @@ Command diffCommand()
         "and the exit code is 2.\n",
         "tresk diff minimal.pdf nested.pdf\n"
         "tresk diff -n 3 minimal.pdf nested.pdf  # three ways of pairing them\n",
-        withTreeLimits({{'n', "number", "N", "show the N best ways of pairing steps, best first"},
-                        {0, "dot", nullptr, "print a graph for Graphviz instead, of the best way"},
-                        {0, "json", nullptr, "print one JSON object instead"}}),
+        withTreeLimits(
+            {{'n', "number", "N", "show the N best ways of pairing steps, best first"},
+             {0, "dot", nullptr, "print a graph for Graphviz instead, of the best way"},
+             {0, "html", "FILE", "write a page for a browser to FILE, of the best way",
+              ValueKind::File},
+             {0, "json", nullptr, "print one JSON object instead"}}),
         {"A", "B"},
         2,
         runDiff,

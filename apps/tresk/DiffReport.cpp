@@ -4,19 +4,11 @@
 #include "HistoryTree.h"
 #include "Invocation.h"
 #include "Json.h"
-#include "Summaries.h"
 #include "Text.h"
-
-#include <algorithm>
 
 namespace tresk::cli {
 
 namespace {
-
-QString arrow(const QString& before, const QString& after)
-{
-    return QStringLiteral("%1 -> %2").arg(quoted(before), quoted(after));
-}
 
 QJsonArray stepsJson(const QList<int>& steps)
 {
@@ -43,7 +35,8 @@ const char* kindName(Change::Kind kind)
 
 } // namespace
 
-DiffReport::DiffReport(Invocation& invocation, const HistoryTree& first, const HistoryTree& second)
+DiffReport::DiffReport(Invocation& invocation, const HistoryTree& first, const HistoryTree& second,
+                       bool certain)
     : m_output(invocation.output)
     , m_style(invocation.style)
     , m_first(first)
@@ -51,19 +44,12 @@ DiffReport::DiffReport(Invocation& invocation, const HistoryTree& first, const H
     , m_json(invocation.isSet("json"))
     , m_dot(invocation.isSet("dot"))
     , m_several(invocation.isSet("number"))
+    , m_certain(certain)
 {
 }
 
-bool DiffReport::Groups::areSame() const
+void DiffReport::add(const StepPairs& groups)
 {
-    return onlyFirst.isEmpty() && onlySecond.isEmpty()
-        && std::all_of(pairs.begin(), pairs.end(),
-                       [](const Pair& pair) { return pair.changes.isEmpty() && !pair.moved; });
-}
-
-void DiffReport::add(const TreskDiffResult& result)
-{
-    const Groups groups = groupsOf(result);
     if (m_count++ == 0)
         m_bestIsSame = groups.areSame();
     if (m_json)
@@ -86,29 +72,7 @@ void DiffReport::finish()
                {QStringLiteral("results"), m_results}});
 }
 
-DiffReport::Groups DiffReport::groupsOf(const TreskDiffResult& result) const
-{
-    Groups groups;
-    const WorkflowTree& first = m_first.tree();
-    const WorkflowTree& second = m_second.tree();
-    for (const int id : first.nodeIds()) {
-        const int partner = result.association(id, FirstTree);
-        if (partner < 0) {
-            groups.onlyFirst += id;
-            continue;
-        }
-        groups.pairs.append({id, partner,
-                             changesBetween(*first.workflowStep(id), *second.workflowStep(partner)),
-                             result.parentChanged(id, FirstTree)});
-    }
-    for (const int id : second.nodeIds()) {
-        if (result.association(id, SecondTree) < 0)
-            groups.onlySecond += id;
-    }
-    return groups;
-}
-
-void DiffReport::print(const Groups& groups)
+void DiffReport::print(const StepPairs& groups)
 {
     if (m_several) {
         m_output.write((m_count > 1 ? QStringLiteral("\n") : QString())
@@ -125,38 +89,18 @@ void DiffReport::print(const Groups& groups)
     printMoved(groups);
 }
 
-void DiffReport::printPairs(const Groups& groups)
+void DiffReport::printPairs(const StepPairs& groups)
 {
     if (groups.pairs.isEmpty())
         return;
     m_output.write(m_style.label(QStringLiteral("Steps that correspond:")) + QLatin1Char('\n'));
-    for (const Pair& pair : groups.pairs) {
+    for (const StepPair& pair : groups.pairs) {
         const QString ids = QStringLiteral("%1 = %2").arg(pair.first).arg(pair.second);
         m_output.write(stepLine(m_first, ids, pair.first));
-        for (const Change& change : pair.changes)
-            printChange(change);
+        for (const Change& change : pair.changes) {
+            m_output.write(QStringLiteral("        ") + changeText(change) + QLatin1Char('\n'));
+        }
     }
-}
-
-void DiffReport::printChange(const Change& change)
-{
-    QString line;
-    switch (change.kind) {
-    case Change::Altered:
-        line = change.what + QStringLiteral(": ") + arrow(change.before, change.after);
-        break;
-    case Change::FileRemoved:
-        line = QStringLiteral("- %1 %2").arg(purposeText(change.what), quoted(change.before));
-        break;
-    case Change::FileAdded:
-        line = QStringLiteral("+ %1 %2").arg(purposeText(change.what), quoted(change.after));
-        break;
-    case Change::FileAltered:
-        line = QStringLiteral("! %1 %2: other content")
-                   .arg(purposeText(change.what), quoted(change.before));
-        break;
-    }
-    m_output.write(QStringLiteral("        ") + line + QLatin1Char('\n'));
 }
 
 void DiffReport::printSingles(const HistoryTree& history, const QList<int>& steps)
@@ -169,10 +113,10 @@ void DiffReport::printSingles(const HistoryTree& history, const QList<int>& step
         m_output.write(stepLine(history, QString::number(step), step));
 }
 
-void DiffReport::printMoved(const Groups& groups)
+void DiffReport::printMoved(const StepPairs& groups)
 {
     bool headed = false;
-    for (const Pair& pair : groups.pairs) {
+    for (const StepPair& pair : groups.pairs) {
         if (!pair.moved)
             continue;
         if (!headed)
@@ -191,10 +135,10 @@ QString DiffReport::stepLine(const HistoryTree& history, const QString& id, int 
         + m_style.title(titleOf(told)) + circumstancesOf(told) + QLatin1Char('\n');
 }
 
-QJsonObject DiffReport::json(const Groups& groups)
+QJsonObject DiffReport::json(const StepPairs& groups)
 {
     QJsonArray pairs;
-    for (const Pair& pair : groups.pairs) {
+    for (const StepPair& pair : groups.pairs) {
         QJsonArray changes;
         for (const Change& change : pair.changes) {
             changes += QJsonObject{{QStringLiteral("kind"), QLatin1String(kindName(change.kind))},
@@ -212,7 +156,7 @@ QJsonObject DiffReport::json(const Groups& groups)
             {QStringLiteral("onlySecond"), stepsJson(groups.onlySecond)}};
 }
 
-void DiffReport::printDot(const Groups& groups)
+void DiffReport::printDot(const StepPairs& groups)
 {
     m_output.write(QStringLiteral("digraph diff {\n  rankdir=LR;\n  node [shape=box];\n"));
     for (const HistoryTree* history : {&m_first, &m_second}) {
@@ -231,7 +175,7 @@ void DiffReport::printDot(const Groups& groups)
         }
         m_output.write(QStringLiteral("  }\n"));
     }
-    for (const Pair& pair : groups.pairs) {
+    for (const StepPair& pair : groups.pairs) {
         const QString style = pair.moved ? QStringLiteral("dotted")
             : pair.changes.isEmpty()     ? QStringLiteral("solid")
                                          : QStringLiteral("dashed");

@@ -1,9 +1,7 @@
 #ifndef TRESK_APPS_DIFFREPORT_H
 #define TRESK_APPS_DIFFREPORT_H
 
-#include "StepChanges.h"
-
-#include <tresk/TreskDiff.h>
+#include "StepPairs.h"
 
 #include <QJsonArray>
 #include <QList>
@@ -19,46 +17,24 @@ struct Invocation;
 /// Shows how the steps of two histories correspond: for people, as JSON or as a graph.
 class DiffReport {
 public:
-    /// All of them must outlive the object.
-    DiffReport(Invocation& invocation, const HistoryTree& first, const HistoryTree& second);
+    /// All of them must outlive the object. @p certain: whether there are no better ways of pairing
+    /// than those that will be added.
+    DiffReport(Invocation& invocation, const HistoryTree& first, const HistoryTree& second,
+               bool certain);
 
-    /// Notes that there may be better ways than those that are added.
-    void setUncertain() { m_certain = false; }
     /// Adds a way of pairing the steps; the best comes first.
-    void add(const TreskDiffResult& result);
+    void add(const StepPairs& groups);
     /// Writes what has to come at the end.
     void finish();
 
-    /// Whether the best way shows no difference at all.
-    bool bestIsSame() const { return m_bestIsSame; }
-
 private:
-    /// Two steps that correspond.
-    struct Pair {
-        int first;
-        int second;
-        QList<Change> changes;
-        bool moved; ///< they hang under steps that do not correspond
-    };
-
-    /// What a way of pairing comes to. Steps are in the order of the trees.
-    struct Groups {
-        QList<Pair> pairs;
-        QList<int> onlyFirst;
-        QList<int> onlySecond;
-
-        bool areSame() const;
-    };
-
-    Groups groupsOf(const TreskDiffResult& result) const;
-    void print(const Groups& groups);
-    void printPairs(const Groups& groups);
-    void printMoved(const Groups& groups);
+    void print(const StepPairs& groups);
+    void printPairs(const StepPairs& groups);
+    void printMoved(const StepPairs& groups);
     void printSingles(const HistoryTree& history, const QList<int>& steps);
-    void printChange(const Change& change);
     QString stepLine(const HistoryTree& history, const QString& id, int step) const;
-    static QJsonObject json(const Groups& groups);
-    void printDot(const Groups& groups);
+    static QJsonObject json(const StepPairs& groups);
+    void printDot(const StepPairs& groups);
 
     Output& m_output;
     const Style& m_style;
@@ -67,9 +43,9 @@ private:
     bool m_json;
     bool m_dot;
     bool m_several;
+    bool m_certain;
     int m_count = 0;
     bool m_bestIsSame = false;
-    bool m_certain = true;
     QJsonArray m_results;
 };
 

@@ -29,13 +29,6 @@ public:
                        + (value.isEmpty() ? QStringLiteral("-") : value) + QLatin1Char('\n'));
     }
 
-    /// The same, unless @p value is empty.
-    void writeIfSet(const char* label, const QString& value) const
-    {
-        if (!value.isEmpty())
-            write(label, value);
-    }
-
 private:
     Output& m_output;
     const Style& m_style;

@@ -43,14 +43,23 @@ bool HistoryTree::read(const QString& path, const WorkflowTreeLimits& limits)
     reportMissing(document, tree.omissions());
     const QStringList texts = shortfalls(limits, tree.omissions());
     for (const QString& text : texts)
-        document.report(text);
+        report(document, text);
     if (hasGaps)
-        document.report(QStringLiteral("a part of the documents embedded in it cannot be read"));
-    m_isWhole = m_isWhole && texts.isEmpty() && !hasGaps;
+        report(document, QStringLiteral("a part of the documents embedded in it cannot be read"));
     reportDamaged(document, tree);
-    m_isWhole = document.checkExtent() && m_isWhole;
-    m_isWhole = document.checkChain() && document.checkReading() && m_isWhole;
+    report(document, document.extentProblem());
+    const QString chainProblem = document.chainProblem();
+    report(document, chainProblem.isEmpty() ? document.readingProblem() : chainProblem);
     return true;
+}
+
+/// Reports @p problem, if there is one.
+void HistoryTree::report(const Document& document, const QString& problem)
+{
+    if (problem.isEmpty())
+        return;
+    document.report(problem);
+    m_problems += problem;
 }
 
 /// Reports the embedded documents of which there is nothing in the tree, but for those @p omitted.
@@ -79,10 +88,10 @@ void HistoryTree::reportMissing(const Document& document,
             const auto known = accountedFor.find(file.filename);
             if (known != accountedFor.end() && --*known >= 0)
                 continue;
-            m_isWhole = false;
-            document.report(QStringLiteral("there is no history to be read in %1, which step %2 "
-                                           "of the tree embeds")
-                                .arg(quoted(file.filename), QString::number(id)));
+            report(document,
+                   QStringLiteral("there is no history to be read in %1, which step %2 of the "
+                                  "tree embeds")
+                       .arg(quoted(file.filename), QString::number(id)));
         }
     }
 }
@@ -102,10 +111,9 @@ void HistoryTree::reportDamaged(const Document& document, WorkflowTree& tree)
                                        Document::chainProblem(*parser)}) {
             if (problem.isEmpty())
                 continue;
-            m_isWhole = false;
-            document.report(
-                QStringLiteral("embedded document %1 (step %2 of the tree): %3")
-                    .arg(quoted(tree.treskfile(id)), QString::number(tree.parent(id)), problem));
+            report(document,
+                   QStringLiteral("embedded document %1 (step %2 of the tree): %3")
+                       .arg(quoted(tree.treskfile(id)), QString::number(tree.parent(id)), problem));
         }
     }
 }

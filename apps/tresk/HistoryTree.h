@@ -5,6 +5,7 @@
 
 #include <QList>
 #include <QString>
+#include <QStringList>
 
 namespace tresk::cli {
 
@@ -19,8 +20,10 @@ public:
     /// Reads the document at @p path as far as @p limits allow. Reports what is wrong and returns
     /// false if there is no history in it.
     bool read(const QString& path, const WorkflowTreeLimits& limits);
-    /// Whether everything could be read; what could not was reported.
-    bool isWhole() const { return m_isWhole; }
+    /// Whether everything could be read.
+    bool isWhole() const { return m_problems.isEmpty(); }
+    /// What could not, as it was reported.
+    const QStringList& problems() const { return m_problems; }
 
     const QString& name() const { return m_name; }
     const WorkflowTree& tree() const { return m_tree; }
@@ -28,12 +31,13 @@ public:
 private:
     Q_DISABLE_COPY(HistoryTree)
 
+    void report(const Document& document, const QString& problem);
     void reportMissing(const Document& document, const QList<WorkflowTreeOmission>& omitted);
     void reportDamaged(const Document& document, WorkflowTree& tree);
 
     QString m_name;
     WorkflowTree m_tree;
-    bool m_isWhole = true;
+    QStringList m_problems;
 };
 
 /// Steps that come from one document and hang under one step.

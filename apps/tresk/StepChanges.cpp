@@ -1,5 +1,8 @@
 #include "StepChanges.h"
 
+#include "Summaries.h"
+#include "Text.h"
+
 #include <QHash>
 #include <QPair>
 
@@ -75,6 +78,23 @@ QList<Change> changesBetween(const Workflowstep& first, const Workflowstep& seco
     }
     appendFileChanges(changes, first.files, second.files);
     return changes;
+}
+
+QString changeText(const Change& change)
+{
+    switch (change.kind) {
+    case Change::FileRemoved:
+        return QStringLiteral("- %1 %2").arg(purposeText(change.what), quoted(change.before));
+    case Change::FileAdded:
+        return QStringLiteral("+ %1 %2").arg(purposeText(change.what), quoted(change.after));
+    case Change::FileAltered:
+        return QStringLiteral("! %1 %2: other content")
+            .arg(purposeText(change.what), quoted(change.before));
+    case Change::Altered:
+        break;
+    }
+    return QStringLiteral("%1: %2 -> %3")
+        .arg(change.what, quoted(change.before), quoted(change.after));
 }
 
 } // namespace tresk::cli

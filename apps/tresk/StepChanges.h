@@ -26,6 +26,9 @@ struct Change {
 /// user and host, and then the files, in the order of the steps' lists.
 QList<Change> changesBetween(const Workflowstep& first, const Workflowstep& second);
 
+/// @p change for people, in one line: "tool: "a" -> "b"", "+ out "plot.pdf"".
+QString changeText(const Change& change);
+
 } // namespace tresk::cli
 
 #endif

@@ -6,8 +6,6 @@
 #include "StepFiles.h"
 #include "Text.h"
 
-#include <QSet>
-
 #include <algorithm>
 #include <vector>
 
@@ -21,12 +19,16 @@ const QLatin1String summaryName("ws_summary.xml");
 
 } // namespace
 
-Summaries::Summaries(Document& document, const StepFiles& stepFiles)
+Summaries::Summaries(Document& document, const StepFiles& stepFiles, const SummaryBudget& budget)
     : m_document(document)
     , m_stepFiles(stepFiles)
+    , m_budget(budget)
+    , m_left(budget)
 {
     if (!stepFiles.areTooMany())
         m_summaries = SummaryCreator().createSummaries(document.parser(), m_left);
+    const QList<int> left = m_left.unread + m_left.namingTooMany + m_left.withoutFiles;
+    m_tooLarge = QSet<int>(left.begin(), left.end());
 }
 
 const Summary& Summaries::of(const SectionTag& step) const
@@ -78,6 +80,22 @@ QStringList Summaries::purposes() const
     return result;
 }
 
+bool Summaries::isUnreadable(const SectionTag& step) const
+{
+    if (of(step).fromXml || m_tooLarge.contains(step.id))
+        return false;
+    const QVector<int> files = m_stepFiles.filesIn(step);
+    return !files.isEmpty() && m_stepFiles.files()[files.last()].filename == summaryName;
+}
+
+void Summaries::warnOfUnreadable() const
+{
+    for (const SectionTag& step : m_stepFiles.steps()) {
+        if (isUnreadable(step))
+            m_document.warn(step, QStringLiteral("its summary document cannot be read"));
+    }
+}
+
 bool Summaries::checkMissing() const
 {
     if (m_stepFiles.areTooMany()) {
@@ -85,16 +103,8 @@ bool Summaries::checkMissing() const
                                          "read and their files not listed"));
         return false;
     }
-    const QList<int> left = m_left.unread + m_left.namingTooMany + m_left.withoutFiles;
-    const QSet<int> tooLarge(left.begin(), left.end());
-    for (const SectionTag& step : m_stepFiles.steps()) {
-        if (of(step).fromXml || tooLarge.contains(step.id))
-            continue;
-        const QVector<int> files = m_stepFiles.filesIn(step);
-        if (!files.isEmpty() && m_stepFiles.files()[files.last()].filename == summaryName)
-            m_document.warn(step, QStringLiteral("its summary document cannot be read"));
-    }
-    const QStringList texts = shortfalls(SummaryBudget(), m_left);
+    warnOfUnreadable();
+    const QStringList texts = shortfalls(m_budget, m_left);
     for (const QString& text : texts)
         m_document.report(text);
     return texts.isEmpty();

@@ -6,6 +6,7 @@
 #include <tresk/TreskParser.h>
 
 #include <QList>
+#include <QSet>
 #include <QStringList>
 
 namespace tresk::cli {
@@ -18,7 +19,8 @@ class StepFiles;
 class Summaries {
 public:
     /// Both must outlive the object.
-    Summaries(Document& document, const StepFiles& stepFiles);
+    Summaries(Document& document, const StepFiles& stepFiles,
+              const SummaryBudget& budget = SummaryBudget());
 
     /// What the step says; what its marker says, `fromXml` false, if it has no summary.
     const Summary& of(const SectionTag& step) const;
@@ -33,6 +35,10 @@ public:
     /// "OutFile" or "Undefined".
     QStringList purposes() const;
 
+    /// Whether the step has a summary that cannot be read, and not for its size.
+    bool isUnreadable(const SectionTag& step) const;
+    /// Warns of such summaries.
+    void warnOfUnreadable() const;
     /// Warns of summaries that are there, but cannot be read. Reports those that were too large, or
     /// that the steps share too many files to make, and returns false if there were any.
     bool checkMissing() const;
@@ -40,7 +46,9 @@ public:
 private:
     const Document& m_document;
     const StepFiles& m_stepFiles;
-    SummaryBudget m_left; ///< of the usual one
+    SummaryBudget m_budget;
+    SummaryBudget m_left; ///< of that
+    QSet<int> m_tooLarge; ///< ids of the steps whose summaries were too large
     QList<Summary> m_summaries; ///< oldest first; empty if they were left out
 };
 

@@ -135,6 +135,12 @@ void TargetFile::allowOwner()
         fchmod(m_fd, m_mode | 0600U);
 }
 
+void TargetFile::setMode(unsigned mode)
+{
+    m_mode = mode;
+    fchmod(m_fd, m_mode | 0600U);
+}
+
 QString TargetFile::write(const QByteArray& bytes)
 {
     const int error = writeFully(m_fd, bytes.constData(), bytes.size());
@@ -181,7 +187,7 @@ QString TargetFile::complete(const QString& name, bool replace)
     m_fd = -1;
     if (close(fd) != 0 && errno != EINTR)
         return lastError();
-    const int error = giveName(name.toUtf8().constData(), replace);
+    const int error = giveName(toSystem(name).constData(), replace);
     if (error == EEXIST)
         return existsError();
     return error == 0 ? QString() : systemError(error);

@@ -50,6 +50,9 @@ public:
     /// Removes the file that is not completed, if there is one. Takes no memory.
     static void removeUnfinished();
 
+    /// Gives the file, which was created, these permissions instead of those of a new one.
+    void setMode(unsigned mode);
+
     // These return what went wrong; nothing if all is well.
 
     QString create();
