@@ -80,9 +80,9 @@ Command reportCommand()
             "make a page for a browser that shows the history",
             "DOC",
             "Makes one HTML file, which needs no network and no other file, of the history of\n"
-            "a document: a timeline, the tree of steps and embedded documents, and all that is\n"
-            "known of each step and its files, with the pictures that the document embeds and\n"
-            "the state of its checksums.\n"
+            "a document: a timeline, the tree of steps and embedded documents, and all that\n"
+            "is known of each step and its files, with the pictures that the document embeds\n"
+            "and the state of its checksums.\n"
             "\n"
             "FILE is replaced if it is there, unless it is the document. Embedded documents\n"
             "are read within the limits of 'tresk tree'.\n",
