@@ -1,0 +1,35 @@
+# Checks that the sources, tests and fuzz targets that PAGE names are there, in the sources in ROOT.
+
+cmake_minimum_required(VERSION 3.20)
+
+file(READ ${PAGE} page)
+string(REGEX MATCHALL "`[A-Za-z_]+\\.(cpp|h)`" sources "${page}")
+string(REGEX MATCHALL "`tst_[a-z_]+\\*?`" tests "${page}")
+string(REGEX MATCHALL "fuzz `[a-z]+`(, `[a-z]+`)*" targets "${page}")
+if(NOT sources OR NOT tests OR NOT targets)
+    message(FATAL_ERROR "${PAGE} names no sources, no tests or no fuzz targets")
+endif()
+
+function(check_there pattern name)
+    file(GLOB found ${pattern})
+    if(NOT found)
+        message(SEND_ERROR "${PAGE} names ${name}, which is not there")
+    endif()
+endfunction()
+
+foreach(name IN LISTS sources)
+    string(REPLACE "`" "" file ${name})
+    check_there("${ROOT}/src/*/${file};${ROOT}/include/tresk/${file};${ROOT}/apps/tresk/${file}"
+        ${name})
+endforeach()
+foreach(name IN LISTS tests)
+    string(REPLACE "`" "" file ${name})
+    check_there("${ROOT}/tests/*/${file}.cpp" ${name})
+endforeach()
+foreach(row IN LISTS targets)
+    string(REGEX MATCHALL "`[a-z]+`" names "${row}")
+    foreach(name IN LISTS names)
+        string(REPLACE "`" "" file ${name})
+        check_there("${ROOT}/fuzz/fuzz_${file}.cpp" ${name})
+    endforeach()
+endforeach()
