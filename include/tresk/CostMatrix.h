@@ -16,7 +16,7 @@ class WorkflowstepCosts;
 /// The costs of all pairs of nodes of two trees, asked once, and two fixed penalties.
 class TRESK_EXPORT CostMatrix {
 public:
-    /// Asks @p costs for every pair; keeps neither it nor the trees.
+    /// Asks @p costs, which must not be null, for every pair; keeps neither it nor the trees.
     CostMatrix(const WorkflowTree& tree1, const WorkflowTree& tree2,
                const WorkflowstepCosts* costs);
 

@@ -34,7 +34,9 @@ public:
     /// What is wrong with the query; empty if it is valid.
     QList<QueryError> getErrors() const;
 
-    /// Whether the query holds for the document that @p parser has open.
+    /// Whether the query holds for the document that @p parser has open. Its summaries take any
+    /// amount of memory here; of a document from a stranger make them within a SummaryBudget and
+    /// hand them to the other function.
     ///
     /// If it does and @p bindings is not null, it gets, for each name that the query gives, the key
     /// of the record with which the query was found to hold: "wfs:STEP" or "file:STEP:FILE" with

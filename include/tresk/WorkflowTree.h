@@ -111,7 +111,8 @@ public:
     /// The same for the document that @p parser has open, and whose path is @p path. A null parser
     /// gives an empty tree.
     void treeFromTreskFile(const QSharedPointer<TreskParser>& parser, const QString& path);
-    /// Adds a node under the node @p parentId, or at the top (-1), and returns its id.
+    /// Adds a node under the node @p parentId, or at the top (-1), and returns its id. Whether
+    /// there is such a parent is not checked.
     int addTreeNode(int parentId, const Workflowstep& step, const QString& treskfile,
                     const QString& fileOnDisk);
     /// Removes all nodes and lets go of the documents.
