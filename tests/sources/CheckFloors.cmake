@@ -17,11 +17,19 @@ set(core_headers Export)
 set(summary_headers Tripple)
 set(tree_headers PriorityQueue TreeId)
 
+# Some are made of NAME.h.in when the project is configured.
+file(GLOB public_headers RELATIVE ${ROOT}/include
+    ${ROOT}/include/tresk/*.h ${ROOT}/include/tresk/*.h.in)
+list(TRANSFORM public_headers REPLACE "\\.in$" "")
+
 set(all_headers tresk.h) # includes all others, and nobody includes it
 set(standard_headers "[a-z_0-9/]+(\\.h)?|Q[A-Za-z]+|zlib\\.h")
 
 # Sets INCLUDED to what FILE includes, each as "tresk/Name.h" or <name>, quotes and brackets on.
 function(read_includes file included)
+    if(NOT EXISTS ${file})
+        string(APPEND file .in)
+    endif()
     file(STRINGS ${file} lines REGEX "^ *# *include")
     list(TRANSFORM lines REPLACE "^ *# *include +([\"<][^\">]+[\">]).*$" "\\1")
     set(${included} "${lines}" PARENT_SCOPE)
@@ -43,7 +51,7 @@ endfunction()
 function(check_include file floor included)
     if(included MATCHES "^<tresk/(.+)\\.h>$")
         set(name ${CMAKE_MATCH_1})
-        if(NOT EXISTS ${ROOT}/include/tresk/${name}.h OR "${name}.h" IN_LIST all_headers)
+        if(NOT "tresk/${name}.h" IN_LIST public_headers OR "${name}.h" IN_LIST all_headers)
             message(SEND_ERROR "${file} includes ${included}")
             return()
         endif()
@@ -88,7 +96,6 @@ function(check_circles folder)
     endif()
 endfunction()
 
-file(GLOB public_headers RELATIVE ${ROOT}/include ${ROOT}/include/tresk/*.h)
 file(GLOB own_headers RELATIVE ${ROOT}/src ${ROOT}/src/*/*.h)
 file(GLOB command_headers RELATIVE ${ROOT}/apps/tresk ${ROOT}/apps/tresk/*.h)
 file(GLOB own_sources RELATIVE ${ROOT}/src ${ROOT}/src/*/*.h ${ROOT}/src/*/*.cpp)
