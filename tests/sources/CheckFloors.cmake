@@ -1,6 +1,6 @@
 # Checks that what is included in the sources in ROOT leads downwards only: each floor of the
-# library knows itself and those listed here, the command knows the public headers alone, and no
-# headers include each other in a circle.
+# library knows itself and those listed here, the command knows the public headers alone, what makes
+# its manual knows these and the command, and no headers include each other in a circle.
 
 cmake_minimum_required(VERSION 3.20)
 
@@ -99,8 +99,6 @@ endfunction()
 file(GLOB own_headers RELATIVE ${ROOT}/src ${ROOT}/src/*/*.h)
 file(GLOB command_headers RELATIVE ${ROOT}/apps/tresk ${ROOT}/apps/tresk/*.h)
 file(GLOB own_sources RELATIVE ${ROOT}/src ${ROOT}/src/*/*.h ${ROOT}/src/*/*.cpp)
-file(GLOB command_sources RELATIVE ${ROOT}/apps/tresk
-    ${ROOT}/apps/tresk/*.h ${ROOT}/apps/tresk/*.cpp)
 foreach(list public_headers own_headers command_headers)
     if(NOT ${list})
         message(FATAL_ERROR "There are no ${list} in ${ROOT}")
@@ -136,21 +134,29 @@ foreach(source IN LISTS own_sources)
     endforeach()
 endforeach()
 
-foreach(source IN LISTS command_sources)
-    read_includes(${ROOT}/apps/tresk/${source} included)
-    foreach(include IN LISTS included)
-        if(include MATCHES "^\"(.+)\"$")
-            if(NOT CMAKE_MATCH_1 IN_LIST command_headers)
-                message(SEND_ERROR "apps/tresk/${source} includes ${include}")
+# Fails unless the sources in FOLDER include public headers, and of others those there and HEADERS,
+# only.
+function(check_command folder)
+    file(GLOB own RELATIVE ${folder} ${folder}/*.h)
+    file(GLOB sources ${folder}/*.h ${folder}/*.cpp)
+    foreach(source IN LISTS sources)
+        read_includes(${source} included)
+        foreach(include IN LISTS included)
+            if(include MATCHES "^\"(.+)\"$")
+                if(NOT CMAKE_MATCH_1 IN_LIST own AND NOT CMAKE_MATCH_1 IN_LIST ARGN)
+                    message(SEND_ERROR "${source} includes ${include}")
+                endif()
+            elseif(include MATCHES "^<(tresk/.+)>$")
+                if(NOT CMAKE_MATCH_1 IN_LIST public_headers)
+                    message(SEND_ERROR "${source} includes ${include}")
+                endif()
             endif()
-        elseif(include MATCHES "^<(tresk/.+)>$")
-            if(NOT CMAKE_MATCH_1 IN_LIST public_headers)
-                message(SEND_ERROR "apps/tresk/${source} includes ${include}")
-            endif()
-        endif()
+        endforeach()
     endforeach()
-endforeach()
+    check_circles(${folder} ${own})
+endfunction()
 
+check_command(${ROOT}/apps/tresk)
+check_command(${ROOT}/apps/tresk/manual ${command_headers})
 check_circles(${ROOT}/include ${public_headers})
 check_circles(${ROOT}/src ${own_headers})
-check_circles(${ROOT}/apps/tresk ${command_headers})
