@@ -147,7 +147,8 @@ void TestExamples::exampleIsReal_data()
         for (const Example& example : examplesOf(page)) {
             if (reasonNotToRun(example.command).isEmpty())
                 examples += example;
-            else if (!example.output.isEmpty())
+            // Names of packages depend on version and processor.
+            else if (!example.output.isEmpty() && example.command != text("scripts/package"))
                 QTest::qFail(qPrintable(example.command + text(": shows output, but is not run")),
                              __FILE__, __LINE__);
         }
