@@ -28,7 +28,7 @@ struct Example {
 /// there must not be any.
 QVector<Example> examplesIn(const Block& block);
 
-/// Why a command is not run by a test, although a block shows it; empty for those that are run.
+/// Why a command is not run by the test, although a block shows it; empty for those that are run.
 QString reasonNotToRun(const QString& command);
 
 } // namespace tresktest

@@ -209,10 +209,16 @@ def main():
         schema = by_form[form]
         if instance.get("schema") != f"tresk-{form}/1":
             problems.append(f"{name}: says to be {instance.get('schema')}")
-        error = jsonschema.exceptions.best_match(watch.validator(schema).iter_errors(instance))
+        # Of several forms only the one that it should have tells what is wrong.
+        own = schema
+        if "oneOf" in schema:
+            own = {"$defs": schema["$defs"], "$ref": f"#/$defs/{form}"}
+        error = jsonschema.exceptions.best_match(watch.validator(own).iter_errors(instance))
         if error:
             place = ".".join(str(step) for step in error.absolute_path)
             problems.append(f"{name}: {place}: {error.message[:400]}")
+        elif not jsonschema.Draft202012Validator(schema).is_valid(instance):
+            problems.append(f"{name}: is of several forms at once")
         else:
             check_refusals(schema, form, copy.deepcopy(instance), tried)
     for schema in {id(schema): schema for schema in by_form.values()}.values():

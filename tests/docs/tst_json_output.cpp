@@ -230,7 +230,7 @@ void TestJsonOutput::everyNameIsDescribed()
         const QJsonObject schema = jsonObject(readFile(schemas.filePath(file)));
         QStringList members = schema.value(text("properties")).toObject().keys();
         const QJsonObject definitions = schema.value(text("$defs")).toObject();
-        for (const QJsonValue& definition : definitions)
+        for (const auto& definition : definitions)
             members += definition.toObject().value(text("properties")).toObject().keys();
         for (const QString& member : qAsConst(members)) {
             const bool described = member.endsWith(unescapedOnes)
