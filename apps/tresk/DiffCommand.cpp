@@ -110,12 +110,11 @@ Command diffCommand()
         "and the exit code is 2.\n",
         "tresk diff minimal.pdf nested.pdf\n"
         "tresk diff -n 3 minimal.pdf nested.pdf  # three ways of pairing them\n",
-        withTreeLimits(
-            {{'n', "number", "N", "show the N best ways of pairing steps, best first"},
-             {0, "dot", nullptr, "print a graph for Graphviz instead, of the best way"},
-             {0, "html", "FILE", "write a page for a browser to FILE, of the best way",
-              ValueKind::File},
-             {0, "json", nullptr, "print one JSON object instead"}}),
+        withTreeLimits({{'n', "number", "N", "show the N best ways of pairing steps, best first"},
+                        {0, "dot", nullptr, "print a graph for Graphviz instead, of the best way"},
+                        {0, "html", "FILE", "write a page for a browser to FILE, of the best way",
+                         ValueKind::File},
+                        {0, "json", nullptr, "print one JSON object instead"}}),
         {"A", "B"},
         2,
         runDiff,

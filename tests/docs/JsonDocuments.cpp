@@ -66,6 +66,21 @@ QByteArray toldHistory(const QByteArray& told, const QVector<FileSpec>& files)
     return documentWith({step(text("first"), files + QVector<FileSpec>{summaryWith(told)})});
 }
 
+/// A history in which all files lie in all steps.
+QByteArray sharedFiles(int stepCount, int fileCount)
+{
+    DocumentWriter writer(headerLine() + '\n');
+    const int start = writer.position();
+    for (int i = 0; i < stepCount; ++i) {
+        SectionSpec section = step(QString::number(i));
+        section.regionStart = start;
+        if (i == 0)
+            section.files.fill(FileSpec::plain(text("f"), ""), fileCount);
+        writer.writeSection(section);
+    }
+    return writer.bytes();
+}
+
 } // namespace
 
 const char* awkwardText()
@@ -101,6 +116,9 @@ void writeOddDocuments(const TestDir& dir)
                           {keptOtherwise, out}));
     dir.write(text("bare.pdf"), documentWith({step(QString(), {unnamed})}));
     dir.write(text("barer.pdf"), documentWith({step(QString())}));
+    // Too much to list: a million and more places of files in steps.
+    dir.write(text("files.pdf"), sharedFiles(21, 50000));
+    dir.write(text("steps.pdf"), sharedFiles(1700, 600));
 
     dir.write(text("none.args"), "");
     dir.write(text("all.args"),
