@@ -12,6 +12,12 @@ else()
     add_compile_options(-Wall -Wextra -Wpedantic -Wconversion -Wshadow)
 endif()
 
+# As Debian does it with what it ships. Sanitizers find more.
+if(UNIX AND NOT APPLE AND NOT TRESK_SANITIZE)
+    add_compile_options(-fstack-protector-strong)
+    add_link_options(LINKER:-z,relro,-z,now)
+endif()
+
 if(TRESK_SANITIZE)
     add_compile_options(-fsanitize=address,undefined -fno-omit-frame-pointer
         -fno-sanitize-recover=all)

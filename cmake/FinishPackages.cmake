@@ -23,6 +23,11 @@ foreach(component IN LISTS CPACK_COMPONENTS_ALL)
             OUTPUT_QUIET COMMAND_ERROR_IS_FATAL ANY)
     endif()
 
+    # Of what is below /usr, zsh looks for completions in this folder.
+    if(EXISTS ${root}/share/zsh/site-functions)
+        file(RENAME ${root}/share/zsh/site-functions ${root}/share/zsh/vendor-completions)
+    endif()
+
     file(GLOB_RECURSE manual_pages ${root}/share/man/*.[1-9])
     if(manual_pages)
         compress(${manual_pages})
