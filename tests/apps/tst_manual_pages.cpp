@@ -8,6 +8,7 @@
 #include <QDir>
 #include <QFile>
 #include <QProcess>
+#include <QRegularExpression>
 #include <QtTest>
 
 using namespace tresktest;
@@ -23,6 +24,8 @@ private Q_SLOTS:
     void pageHasNoFaults();
     void pageTellsOfItsCommand_data();
     void pageTellsOfItsCommand();
+    void hyphensCanBeTyped_data();
+    void hyphensCanBeTyped();
     void passageIsRendered();
     void generalPageListsCommands();
     void pagesReferToEachOther_data();
@@ -159,6 +162,28 @@ void TestManualPages::pageTellsOfItsCommand()
     for (const QByteArray& example : QByteArray(command.example).trimmed().split('\n'))
         QVERIFY(page.contains(QStringLiteral("\n           ") + QString::fromUtf8(example)
                               + QLatin1Char('\n')));
+}
+
+void TestManualPages::hyphensCanBeTyped_data()
+{
+    addPageRows();
+}
+
+/// Some readers make a bare hyphen one that no shell understands.
+void TestManualPages::hyphensCanBeTyped()
+{
+    QFETCH(QString, name);
+    const QRegularExpression bare(text("(?<!\\\\)-"));
+    bool inExample = false;
+    int lines = 0;
+    for (const QByteArray& line : readFile(directory + name).split('\n')) {
+        inExample = (inExample && line != ".fi") || line == ".nf";
+        if (!inExample && !line.startsWith("\\fB\\-"))
+            continue;
+        ++lines;
+        QVERIFY2(!QString::fromUtf8(line).contains(bare), line.constData());
+    }
+    QVERIFY(lines > 5);
 }
 
 void TestManualPages::passageIsRendered()
