@@ -26,6 +26,8 @@ private Q_SLOTS:
     void pageTellsOfItsCommand();
     void examplesCanBeTyped_data();
     void examplesCanBeTyped();
+    void environmentIsTold_data();
+    void environmentIsTold();
     void passageIsRendered();
     void generalPageListsCommands();
     void pagesReferToEachOther_data();
@@ -184,6 +186,34 @@ void TestManualPages::examplesCanBeTyped()
         QVERIFY2(!QString::fromUtf8(line).contains(bare), line.constData());
     }
     QVERIFY(lines > 5);
+}
+
+void TestManualPages::environmentIsTold_data()
+{
+    QTest::addColumn<QString>("command");
+    QTest::addColumn<QString>("variables");
+    for (const char* command : {"log", "extract", "find"})
+        QTest::newRow(command) << text(command) << text("NO_COLOR TERM");
+    for (const char* command : {"tree", "diff", "report"})
+        QTest::newRow(command) << text(command) << text("NO_COLOR TERM TMPDIR");
+    for (const char* command : {"add", "undo"})
+        QTest::newRow(command) << text(command) << text("NO_COLOR TERM PATH");
+}
+
+void TestManualPages::environmentIsTold()
+{
+    QFETCH(QString, command);
+    QFETCH(QString, variables);
+    const QString page = rendered(pagePath(command.toLatin1().constData()));
+    const QString section =
+        page.section(text("ENVIRONMENT\n"), 1).section(text("EXAMPLES\n"), 0, 0);
+    const QRegularExpression variable(text("^       ([A-Z_]+)"),
+                                      QRegularExpression::MultilineOption);
+    QStringList told;
+    auto matches = variable.globalMatch(section);
+    while (matches.hasNext())
+        told += matches.next().captured(1);
+    QCOMPARE(told.join(QLatin1Char(' ')), variables);
 }
 
 void TestManualPages::passageIsRendered()
