@@ -66,7 +66,7 @@ Command argsCommand()
 {
     return {"args",
             "show what an argument file says",
-            "FILE",
+            "ARGFILE",
             "Shows the options for a run of treskadd that an argument file holds, as they are\n"
             "understood, and a command line for them. What is wrong with them is reported, as\n"
             "are all flags of files but thumbnail, although they count. Variables are left\n"
@@ -83,7 +83,7 @@ Command argsCommand()
             {variableOption(),
              {0, "highlight", nullptr, "list the tokens of the file instead"},
              {0, "json", nullptr, "print one JSON object instead"}},
-            {"FILE"},
+            {"ARGFILE"},
             1,
             runArgs,
             {ValueKind::File},

@@ -186,7 +186,7 @@ QString Document::readingProblem() const
     if (fstat(m_fd, &status) != 0)
         return systemError(errno);
     if (status.st_size < m_size)
-        return QStringLiteral("has become shorter while it was read");
+        return QStringLiteral("has become shorter while it was read; try again");
     return m_parser.readFailed() ? QStringLiteral("a part of it cannot be read") : QString();
 }
 
@@ -215,6 +215,8 @@ QString Document::problemWithFile()
     const OpenedFile file = openRegularFile(m_name);
     m_fd = file.fd;
     m_isUnfit = file.isUnfit;
+    if (file.isDirectory)
+        return QStringLiteral("is a directory; 'tresk find' searches those");
     if (!file.problem.isEmpty())
         return file.problem;
     if (file.size == 0)

@@ -24,12 +24,11 @@ std::optional<FileTag> fileWithId(const Document& document, const QString& argum
     if (const auto file = document.parser().getFile(fits ? id : -1))
         return *file;
     const int count = document.parser().getNumFiles();
-    QString problem = QStringLiteral("there is no file %1").arg(argument);
-    if (count == 1)
-        problem += QStringLiteral(" (the only one has the id 0)");
-    else if (count > 1)
-        problem += QStringLiteral(" (the ids are 0 to %1)").arg(count - 1);
-    document.report(problem);
+    QString ids = QStringLiteral("the ids are 0 to %1").arg(count - 1);
+    if (count < 2)
+        ids = count == 1 ? QStringLiteral("the only one has the id 0")
+                         : QStringLiteral("it has none");
+    document.report(QStringLiteral("there is no file %1 (%2)").arg(argument, ids));
     return std::nullopt;
 }
 
@@ -55,7 +54,8 @@ std::optional<FileTag> fileWithName(const Document& document, const QString& nam
     if (found.size() == 1)
         return found.first();
     if (found.isEmpty())
-        document.report(QStringLiteral("there is no file %1").arg(quoted(name)));
+        document.report(
+            QStringLiteral("there is no file %1; 'tresk files' lists all").arg(quoted(name)));
     else
         reportSeveral(document, name, found);
     return std::nullopt;

@@ -25,7 +25,8 @@ OpenedFile openRegularFile(const QString& path)
     }
     file.size = status.st_size;
     file.isUnfit = !S_ISREG(status.st_mode);
-    if (S_ISDIR(status.st_mode))
+    file.isDirectory = S_ISDIR(status.st_mode);
+    if (file.isDirectory)
         file.problem = QStringLiteral("is a directory");
     else if (file.isUnfit)
         file.problem = QStringLiteral("is not a regular file");

@@ -11,6 +11,7 @@ struct OpenedFile {
     qint64 size = 0;
     QString problem; ///< empty without one
     bool isUnfit = false; ///< whether the problem is what the file is: a directory, a device
+    bool isDirectory = false;
 };
 
 /// Opens the regular file at @p path, without waiting for anything.

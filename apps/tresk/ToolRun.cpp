@@ -92,7 +92,9 @@ int reportMissing(const Invocation& invocation, const QString& file)
 {
     QStringList places = {getBinaryDir()};
     places += invocation.values("search-path");
-    reportError(file, QStringLiteral("is not in ") + places.join(QStringLiteral(" or ")));
+    reportError(file,
+                QStringLiteral("is not in %1; --search-path names another directory")
+                    .arg(places.join(QStringLiteral(" or "))));
     return toolNotFound;
 }
 

@@ -28,7 +28,9 @@ QString requestFrom(ArgumentFile& file)
     else
         file.reportWarnings();
     if (!readToItsEnd)
-        reportError(file.name(), QStringLiteral("is not understood to its end; nothing is undone"));
+        reportError(file.name(),
+                    QStringLiteral(
+                        "is not understood to its end; nothing is undone before that is mended"));
     else if (request.isEmpty())
         reportError(file.name(),
                     QStringLiteral("names no document to write (-O or -A); nothing is undone"));

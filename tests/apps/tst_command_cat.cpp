@@ -106,15 +106,15 @@ void TestCommandCat::fileIsNotFound_data()
     row("14", "there is no file 14 (the ids are 0 to 13)");
     row("99999999999999999999", "there is no file 99999999999999999999 (the ids are 0 to 13)");
     row("4294967296", "there is no file 4294967296 (the ids are 0 to 13)");
-    row("-1", "there is no file \"-1\"");
-    row("+1", "there is no file \"+1\"");
-    row("1x", "there is no file \"1x\"");
-    row("\u0661", "there is no file \"\u0661\"");
-    row("A.TXT", "there is no file \"A.TXT\"");
-    row("e.txt", "there is no file \"e.txt\"");
-    row("a.txt ", "there is no file \"a.txt \"");
-    row("*", "there is no file \"*\"");
-    row("x\n\x1b", R"(there is no file "x\n\x1b")");
+    row("-1", "there is no file \"-1\"; 'tresk files' lists all");
+    row("+1", "there is no file \"+1\"; 'tresk files' lists all");
+    row("1x", "there is no file \"1x\"; 'tresk files' lists all");
+    row("\u0661", "there is no file \"\u0661\"; 'tresk files' lists all");
+    row("A.TXT", "there is no file \"A.TXT\"; 'tresk files' lists all");
+    row("e.txt", "there is no file \"e.txt\"; 'tresk files' lists all");
+    row("a.txt ", "there is no file \"a.txt \"; 'tresk files' lists all");
+    row("*", "there is no file \"*\"; 'tresk files' lists all");
+    row("x\n\x1b", R"(there is no file "x\n\x1b"; 'tresk files' lists all)");
     row("twin", "\"twin\" is the name of several files, give the id: 1, 3");
     // Stored that way in one file, shown that way in another.
     row("a\\]", R"("a\]" is the name of several files, give the id: 11, 12)");
@@ -133,7 +133,7 @@ void TestCommandCat::fileIsNotFound()
     const Outcome single = cat({FileSpec::plain(text("a"), "x")}, text("1"));
     QVERIFY(single.errors.endsWith(": there is no file 1 (the only one has the id 0)\n"));
     const Outcome none = cat({}, text("0"));
-    QVERIFY(none.errors.endsWith(": there is no file 0\n"));
+    QVERIFY(none.errors.endsWith(": there is no file 0 (it has none)\n"));
 }
 
 void TestCommandCat::manyIdsAreCut()

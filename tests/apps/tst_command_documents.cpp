@@ -96,7 +96,8 @@ void TestCommandDocuments::badDocumentIsOneLine_data()
     row("link to itself", m_dir.path(QStringLiteral("loop")), "Too many levels of symbolic links");
     row("below a file", document("file", "x") + QStringLiteral("/a"), "Not a directory");
     row("name too long", m_dir.path(QString(300, QLatin1Char('a'))), "File name too long");
-    row("folder", QFileInfo(m_dir.path(QStringLiteral("x"))).path(), "is a directory");
+    row("folder", QFileInfo(m_dir.path(QStringLiteral("x"))).path(),
+        "is a directory; 'tresk find' searches those");
     row("pipe", m_dir.makePipe(QStringLiteral("pipe")), "is not a regular file");
     row("device", QStringLiteral("/dev/null"), "is not a regular file");
     row("standard input", QStringLiteral("-"),
@@ -217,7 +218,7 @@ void TestCommandDocuments::documentTruncatedMeanwhile_data()
 {
     QTest::addColumn<QStringList>("arguments");
     QTest::addColumn<QByteArray>("problem");
-    const QByteArray shorter = "has become shorter while it was read";
+    const QByteArray shorter = "has become shorter while it was read; try again";
     for (const char* command : {"log", "show", "files"})
         QTest::newRow(command) << QStringList{text(command)} << shorter;
     QTest::newRow("log --jsonl") << QStringList{text("log"), text("--jsonl")} << shorter;

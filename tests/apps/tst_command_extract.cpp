@@ -120,7 +120,7 @@ void TestCommandExtract::wrongSelectionWritesNothing()
     const QByteArray name = m_document.toUtf8();
     QCOMPARE(outcome.errors,
              "tresk: " + name + ": there is no file 7 (the ids are 0 to 3)\ntresk: " + name
-                 + ": there is no file \"nothing\"\n");
+                 + ": there is no file \"nothing\"; 'tresk files' lists all\n");
     QCOMPARE(outcome.output, QByteArray());
     QCOMPARE(outcome.exitCode, 2);
     QVERIFY(!QFile::exists(m_target));

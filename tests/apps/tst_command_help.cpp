@@ -159,7 +159,7 @@ void TestCommandHelp::commandHelpHasManyForms_data()
                              << QByteArray("Usage: tresk extract [OPTION]... DOC [FILE]... -C DIR")
                              << words("--directory=DIR --force --verify --json");
     QTest::newRow("args") << QStringLiteral("args")
-                          << QByteArray("Usage: tresk args [OPTION]... FILE")
+                          << QByteArray("Usage: tresk args [OPTION]... ARGFILE")
                           << words("--define=NAME=VALUE --highlight --json");
     QTest::newRow("add") << QStringLiteral("add")
                          << QByteArray("Usage: tresk add [OPTION]... ARGFILE")

@@ -78,7 +78,8 @@ void TestCommandToolsFound::nothingIsUndoneInDoubt_data()
         QTest::newRow(name) << QByteArray(content) << problems;
     };
     const QByteArray none = "names no document to write (-O or -A); nothing is undone";
-    const QByteArray doubt = "is not understood to its end; nothing is undone";
+    const QByteArray doubt =
+        "is not understood to its end; nothing is undone before that is mended";
     row("empty", "", {none});
     row("no document", "-I a.pdf -i b", {none});
     row("unknown option", "-O a.pdf --readme b -O c.pdf",
@@ -262,7 +263,9 @@ void TestCommandToolsFound::missingToolIsReported()
     dir().write(text("treskadd"), "not in the current directory");
     const auto check = [&](const char* name, const QStringList& options, const QByteArray& tool) {
         const Outcome outcome = command(name, options).with(text("PATH"), path("")).run();
-        QCOMPARE(outcome.errors, "tresk: " + tool + ": is not in " + places + "\n");
+        QCOMPARE(outcome.errors,
+                 "tresk: " + tool + ": is not in " + places
+                     + "; --search-path names another directory\n");
         QCOMPARE(outcome.output, QByteArray());
         QCOMPARE(outcome.exitCode, 127);
     };

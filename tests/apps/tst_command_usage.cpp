@@ -81,7 +81,7 @@ void TestCommandUsage::wrongUsageIsExplained_data()
     row("extract a.pdf", "extract: no target directory given (-C DIR); see 'tresk extract --help'");
     row("extract a.pdf -C", "extract: missing value after '-C'; see 'tresk extract --help'");
     row("extract a.pdf --dir=x", "extract: unknown option '--dir'; see 'tresk extract --help'");
-    row("args", "args: no FILE given; see 'tresk args --help'");
+    row("args", "args: no ARGFILE given; see 'tresk args --help'");
     row("args a b", "args: unexpected argument 'b'; see 'tresk args --help'");
     row("args -D", "args: missing value after '-D'; see 'tresk args --help'");
     row("args --highlight -D X=1 a",

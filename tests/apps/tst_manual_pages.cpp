@@ -8,6 +8,7 @@
 #include <QDir>
 #include <QFile>
 #include <QProcess>
+#include <QRegularExpression>
 #include <QtTest>
 
 using namespace tresktest;
@@ -23,6 +24,10 @@ private Q_SLOTS:
     void pageHasNoFaults();
     void pageTellsOfItsCommand_data();
     void pageTellsOfItsCommand();
+    void examplesCanBeTyped_data();
+    void examplesCanBeTyped();
+    void environmentIsTold_data();
+    void environmentIsTold();
     void passageIsRendered();
     void generalPageListsCommands();
     void pagesReferToEachOther_data();
@@ -159,6 +164,56 @@ void TestManualPages::pageTellsOfItsCommand()
     for (const QByteArray& example : QByteArray(command.example).trimmed().split('\n'))
         QVERIFY(page.contains(QStringLiteral("\n           ") + QString::fromUtf8(example)
                               + QLatin1Char('\n')));
+}
+
+void TestManualPages::examplesCanBeTyped_data()
+{
+    addPageRows();
+}
+
+/// Some readers show bare hyphens and quotes as signs that no shell understands.
+void TestManualPages::examplesCanBeTyped()
+{
+    QFETCH(QString, name);
+    const QRegularExpression bare(text("(?<!\\\\)-|['`^~]"));
+    bool inExample = false;
+    int lines = 0;
+    for (const QByteArray& line : readFile(directory + name).split('\n')) {
+        inExample = (inExample && line != ".fi") || line == ".nf";
+        if (!inExample && !line.startsWith("\\fB\\-"))
+            continue;
+        ++lines;
+        QVERIFY2(!QString::fromUtf8(line).contains(bare), line.constData());
+    }
+    QVERIFY(lines > 5);
+}
+
+void TestManualPages::environmentIsTold_data()
+{
+    QTest::addColumn<QString>("command");
+    QTest::addColumn<QString>("variables");
+    for (const char* command : {"log", "extract", "find"})
+        QTest::newRow(command) << text(command) << text("NO_COLOR TERM");
+    for (const char* command : {"tree", "diff", "report"})
+        QTest::newRow(command) << text(command) << text("NO_COLOR TERM TMPDIR");
+    for (const char* command : {"add", "undo"})
+        QTest::newRow(command) << text(command) << text("NO_COLOR TERM PATH");
+}
+
+void TestManualPages::environmentIsTold()
+{
+    QFETCH(QString, command);
+    QFETCH(QString, variables);
+    const QString page = rendered(pagePath(command.toLatin1().constData()));
+    const QString section =
+        page.section(text("ENVIRONMENT\n"), 1).section(text("EXAMPLES\n"), 0, 0);
+    const QRegularExpression variable(text("^       ([A-Z_]+)"),
+                                      QRegularExpression::MultilineOption);
+    QStringList told;
+    auto matches = variable.globalMatch(section);
+    while (matches.hasNext())
+        told += matches.next().captured(1);
+    QCOMPARE(told.join(QLatin1Char(' ')), variables);
 }
 
 void TestManualPages::passageIsRendered()

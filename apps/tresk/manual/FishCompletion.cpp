@@ -60,7 +60,7 @@ QString action(ValueKind kind, const QStringList& choices)
     case ValueKind::Command:
         return QStringLiteral("-f -a %1").arg(quoted(commandNames().join(QLatin1Char(' '))));
     }
-    return QString();
+    return {};
 }
 
 QString optionText(const Option& option)

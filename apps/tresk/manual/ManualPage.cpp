@@ -6,6 +6,8 @@
 
 #include <QStringList>
 
+#include <algorithm>
+
 namespace tresk::cli {
 
 namespace {
@@ -107,15 +109,22 @@ std::vector<Entry> commonEnvironment()
             {"TERM", "Where it is dumb, there are neither colours nor progress."}};
 }
 
+bool followsEmbeddedDocuments(const Command& command)
+{
+    return std::any_of(command.options.begin(), command.options.end(), [](const Option& option) {
+        return QLatin1String(option.name) == QLatin1String("max-depth");
+    });
+}
+
 std::vector<Entry> environmentOf(const Command& command)
 {
     std::vector<Entry> entries = commonEnvironment();
-    const QString name = latin(command.name);
-    if (name == QLatin1String("tree") || name == QLatin1String("diff"))
+    if (followsEmbeddedDocuments(command))
         entries.push_back({"TMPDIR",
                            "The directory to which embedded documents are unpacked, "
                            "/tmp if it is not set."});
-    if (name == QLatin1String("add") || name == QLatin1String("undo"))
+    const bool runsTool = command.wrongUsage != exitTrouble;
+    if (runsTool)
         entries.push_back({"PATH",
                            "Where python3 is looked for with --script. The tools "
                            "themselves are not looked for there."});

@@ -28,7 +28,7 @@ _tresk()
 )";
 
 const char* const branches = R"(    )
-    _arguments -C -S $common '(-)1:command:_tresk_commands' '(-)*::argument:->argument' && return 0
+    _arguments -C -S $common '(-)1:command:_tresk_commands' '*::argument:->argument' && return 0
     [[ $state == argument ]] || return 1
     curcontext=${curcontext%:*}-$words[1]:
     case $words[1] in
