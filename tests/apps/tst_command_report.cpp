@@ -255,6 +255,9 @@ void TestCommandReport::limitsAreThoseOfTree()
         QVERIFY2(problems.contains(problem), qPrintable(problem));
     }
     QVERIFY(!page.texts("h4").contains(text("three")));
+    // Nor are the summaries of the document itself unpacked beyond that.
+    QCOMPARE(page.withId(text("step-0")).text.contains(text("t1")),
+             !options.contains(text("--max-unpacked=0")));
 
     const Outcome wrong = report(nestedDocument(), {text("--max-depth=x")});
     QCOMPARE(wrong.exitCode, 2);
