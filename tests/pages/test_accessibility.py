@@ -35,7 +35,7 @@ class TestAccessibility(PageTest):
         for before, level in zip(levels, levels[1:]):
             self.assertLessEqual(level, before + 1, levels)
 
-    @on_pages("report", "long diff")
+    @on_pages("report", "diff")
     def test_all_headings_are_told(self, _):
         told = [node["name"]["value"] for node in self._nodes()
                 if node["role"]["value"] == "heading"]

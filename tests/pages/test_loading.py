@@ -24,7 +24,7 @@ class TestLoading(PageTest):
         self.assertNotEqual(self.browser.console(), [])
         self.assertIn("nowhere.png", " ".join(self.browser.requests()))
 
-    @on_pages()
+    @on_pages(*session.VARIOUS, "long diff")
     def test_links_lead_somewhere(self, _):
         links = self.browser.run(
             "return Array.from(document.links, (link) => link.getAttribute('href'))")
