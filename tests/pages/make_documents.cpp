@@ -40,16 +40,17 @@ QByteArray gifHeader()
 QVector<FileSpec> falsePictures(const QByteArray& text)
 {
     const QByteArray page = "<html>" + text + "</html>";
+    const QString name = QString::fromUtf8(text); // which pages put into an attribute
     return {
         FileSpec::plain(latin("page.png"), page),
-        FileSpec::flate(latin("header.png"), pngHeader() + page),
-        FileSpec::plain(latin("header.gif"), gifHeader() + page),
+        FileSpec::flate(name + latin(".png"), pngHeader() + page),
+        FileSpec::plain(name + latin(".gif"), gifHeader() + page),
         FileSpec::plain(latin("script.svg"),
                         "<svg xmlns=\"http://www.w3.org/2000/svg\">" + text + "</svg>"),
     };
 }
 
-constexpr int pictureStep = 5;
+constexpr int pictureStep = 11; // whose text ends an attribute unless it is escaped
 
 /// Steps that carry the @p texts, each but its title @p shift texts further on.
 QVector<SectionSpec> stepsWith(const QList<QByteArray>& texts, int shift)
@@ -64,8 +65,7 @@ QVector<SectionSpec> stepsWith(const QList<QByteArray>& texts, int shift)
             content += element(name, text);
         content += element("Tool", texts.at(i)) + element("Description", texts.at(i));
         const QByteArray attributes = element(
-            "UserAttributes",
-            attribute(text.constData(), text.constData(), text.constData()));
+            "UserAttributes", attribute(text.constData(), text.constData(), text.constData()));
         QVector<FileSpec> files = {FileSpec::plain(QString::fromUtf8(text), text)};
         if (i == pictureStep)
             files += falsePictures(texts.at(i));
@@ -132,8 +132,7 @@ QByteArray comparedDocument(bool isSecond)
                       + element("Comment", text("", "checked")),
                   {table, own}, "OutFile"),
         plainStep("Draw", QByteArray(), isSecond ? none : nested),
-        plainStep("Print", element("Command", unbroken + text("a", "b")),
-                  isSecond ? nested : none),
+        plainStep("Print", element("Command", unbroken + text("a", "b")), isSecond ? nested : none),
         plainStep(text("Review by hand", "Send to the customer")),
     });
 }
@@ -148,9 +147,9 @@ QByteArray longDocument(int count, bool isSecond)
         if (i % 50 == 49)
             steps += plainStep((isSecond ? "New step " : "Old step ") + number);
         else
-            steps += plainStep("Step " + number,
-                               element("Command", "run --round " + number
-                                           + (isChanged ? " --again" : "")));
+            steps += plainStep(
+                "Step " + number,
+                element("Command", "run --round " + number + (isChanged ? " --again" : "")));
     }
     return documentWith(steps);
 }
