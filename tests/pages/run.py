@@ -36,14 +36,14 @@ def run_tests(names):
 def main():
     options = arguments()
     with tempfile.TemporaryDirectory(prefix="tresk-pages-") as folder:
-        session.start(options, pathlib.Path(folder))
         try:
+            session.start(options, pathlib.Path(folder))
             if options.screenshots:
                 screenshots.take(options.screenshots)
                 return 0
             return 0 if run_tests(options.tests) else 1
         finally:
-            session.browser.close()
+            session.end()
 
 
 if __name__ == "__main__":

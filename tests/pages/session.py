@@ -35,6 +35,11 @@ def start(options, work_folder):
     _make_harmless()
 
 
+def end():
+    if browser:
+        browser.close()
+
+
 def paper_text():
     """The text of the page that is shown, as it is printed."""
     return subprocess.run([_options.pdftotext, "-raw", "-", "-"], input=browser.print(),
