@@ -2,6 +2,7 @@
 #include "DiffPage.h"
 #include "DiffReport.h"
 #include "HistoryTree.h"
+#include "Interruption.h"
 #include "Invocation.h"
 #include "Limits.h"
 #include "Messages.h"
@@ -29,6 +30,28 @@ int wantedResults(const Invocation& invocation, const Command* command)
     return 0;
 }
 
+/// The forms in which the result can be shown, and whether they go together.
+bool checkForms(const Invocation& invocation, const Command* command)
+{
+    QStringList forms;
+    for (const char* form : {"json", "dot", "html"}) {
+        if (invocation.isSet(form))
+            forms += QStringLiteral("--") + QLatin1String(form);
+    }
+    if (forms.size() > 1) {
+        reportUsage(command,
+                    forms.join(QStringLiteral(" and ")) + QStringLiteral(" exclude each other"));
+        return false;
+    }
+    if (invocation.isSet("html") && invocation.isSet("number")) {
+        reportUsage(command,
+                    QStringLiteral("--html shows the best way only, so that -n is of no "
+                                   "use with it"));
+        return false;
+    }
+    return true;
+}
+
 /// Writes @p way of pairing the steps as a page. Reports what goes wrong and returns false.
 bool writePage(Invocation& invocation, const HistoryTree& first, const HistoryTree& second,
                const StepPairs& way, bool certain)
@@ -37,27 +60,15 @@ bool writePage(Invocation& invocation, const HistoryTree& first, const HistoryTr
     if (!file.open(invocation.arguments))
         return false;
     HtmlWriter html([&file](const QByteArray& bytes) { file.write(bytes); });
-    DiffPage(html, first, second, way, certain).write();
+    DiffPage(html, first, second, way, certain, [&file] { return !file.isLost(); }).write();
     return file.finish();
-}
-
-void print(Invocation& invocation, const HistoryTree& first, const HistoryTree& second,
-           const QList<StepPairs>& ways, bool certain)
-{
-    DiffReport report(invocation, first, second, certain);
-    for (const StepPairs& way : ways)
-        report.add(way);
-    report.finish();
 }
 
 int runDiff(Invocation& invocation)
 {
     const Command* const command = findCommandNamed(QStringLiteral("diff"));
-    const int forms = int(invocation.isSet("json")) + int(invocation.isSet("dot"))
-        + int(invocation.isSet("html"));
-    if (forms > 1) {
-        return reportUsage(command, QStringLiteral("--json, --dot and --html exclude each other"));
-    }
+    if (!checkForms(invocation, command))
+        return exitTrouble;
     const int wanted = wantedResults(invocation, command);
     if (wanted == 0)
         return exitTrouble;
@@ -77,18 +88,24 @@ int runDiff(Invocation& invocation)
         reportWarning(first.name() + QStringLiteral(", ") + second.name(), message);
         certain = false;
     });
-    QList<StepPairs> ways; // best first
     const QList<TreskDiffResult> results = diff.findBestMatches(wanted);
-    for (const TreskDiffResult& result : results)
-        ways += stepPairs(first, second, result);
+    const StepPairs best = stepPairs(first, second, results.first());
 
-    if (!invocation.isSet("html"))
-        print(invocation, first, second, ways, certain);
-    else if (!writePage(invocation, first, second, ways.first(), certain))
-        return exitTrouble;
+    if (invocation.isSet("html")) {
+        const bool isWritten = writePage(invocation, first, second, best, certain);
+        if (interruptedBy() != 0)
+            return exitSignal + interruptedBy();
+        if (!isWritten)
+            return exitTrouble;
+    } else {
+        DiffReport report(invocation, first, second, certain);
+        for (const TreskDiffResult& result : results)
+            report.add(stepPairs(first, second, result));
+        report.finish();
+    }
     if (!first.isWhole() || !second.isWhole())
         return exitTrouble;
-    return ways.first().areSame() ? exitDone : exitFailed;
+    return best.areSame() ? exitDone : exitFailed;
 }
 
 } // namespace

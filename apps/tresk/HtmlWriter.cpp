@@ -33,6 +33,11 @@ QByteArray policyHash(const QByteArray& content)
         + "'";
 }
 
+bool isPartOfText(const QByteArray& name)
+{
+    return name == "a" || name == "mark" || name == "span" || name == "strong";
+}
+
 } // namespace
 
 QString htmlText(const QString& text)
@@ -77,7 +82,9 @@ void HtmlWriter::open(const char* name, const Attributes& attributes)
 
 void HtmlWriter::close()
 {
-    raw("</" + QByteArray(m_open.back()) + ">\n");
+    const QByteArray name = m_open.back();
+    // A line break would show as a blank behind a part of a text.
+    raw("</" + name + (isPartOfText(name) ? ">" : ">\n"));
     m_open.pop_back();
 }
 

@@ -71,6 +71,9 @@ void TestCommandUsage::wrongUsageIsExplained_data()
     row("find", "find: no QUERY given; see 'tresk find --help'");
     row("find word", "find: no DOC or DIR given; see 'tresk find --help'");
     row("finde word", "unknown command 'finde'; did you mean 'find'? See 'tresk --help'");
+    row("report", "report: no DOC given; see 'tresk report --help'");
+    row("report a.pdf b", "report: unexpected argument 'b'; see 'tresk report --help'");
+    row("report a.pdf -o", "report: missing value after '-o'; see 'tresk report --help'");
     row("files", "files: no DOC given; see 'tresk files --help'");
     row("files a.pdf 1", "files: unexpected argument '1'; see 'tresk files --help'");
     row("cat", "cat: no DOC given; see 'tresk cat --help'");

@@ -129,6 +129,7 @@ void TestCommandMachineFaults::faults_data()
     QTest::newRow("tree") << "tree @documents/nested.pdf";
     QTest::newRow("diff") << "diff @documents/minimal.pdf @documents/nested.pdf";
     QTest::newRow("diff of the same") << "diff @documents/minimal.pdf @documents/minimal.pdf";
+    QTest::newRow("report") << "report @documents/nested.pdf";
     QTest::newRow("args") << "args @documents/report.args";
     QTest::newRow("args --json") << "args --json @documents/report.args";
     QTest::newRow("help") << "help extract";

@@ -78,3 +78,42 @@
   window.addEventListener("hashchange", unfoldTarget);
   unfoldTarget();
 }());
+// Two histories compared: the lines of large ones cross.
+(function () {
+  const sides = document.querySelector(".sides");
+  if (!sides) {
+    return;
+  }
+  const search = document.getElementById("search");
+
+  function mark(event) {
+    const row = event.type.endsWith("over") || event.type === "focusin"
+      ? event.target.closest("li[data-pair]") : null;
+    sides.querySelectorAll("li").forEach((other) => {
+      other.classList.toggle("marked", row !== null && other.dataset.pair === row.dataset.pair);
+    });
+  }
+
+  // Pairs without a difference are many: they are unfolded where one of them is looked for.
+  const same = document.querySelector("#same details");
+  const isSameOpen = same !== null && same.open;
+  function unfoldSame() {
+    if (same) {
+      same.open = isSameOpen || search.value.trim() !== "";
+    }
+  }
+
+  // What is not found stays where it is, since the lines lead there.
+  function fade() {
+    sides.querySelectorAll("li").forEach((row) => {
+      const target = document.getElementById(row.querySelector("a").hash.slice(1));
+      row.classList.toggle("missed", target.hidden);
+    });
+  }
+
+  ["pointerover", "pointerleave", "focusin", "focusout"].forEach((kind) => {
+    sides.addEventListener(kind, mark);
+  });
+  search.addEventListener("input", unfoldSame);
+  search.addEventListener("input", fade);
+}());
