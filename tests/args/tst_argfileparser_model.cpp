@@ -1,4 +1,5 @@
 #include "ArgfileModel.h"
+#include "ParserProperties.h"
 #include "TokenText.h"
 #include "Watched.h"
 
@@ -10,6 +11,7 @@
 using tresk::ArgfileParser;
 using tresk::ArgfileToken;
 using tresktest::ArgfileModelToken;
+using tresktest::comesOutWhole;
 using tresktest::isWatched;
 using tresktest::parsed;
 using tresktest::text;
@@ -221,18 +223,7 @@ void TestArgfileParserModel::tokensCoverTheText_data()
 void TestArgfileParserModel::tokensCoverTheText()
 {
     QFETCH(const QString, alphabet);
-    const auto isCovered = [](const QString& content) {
-        const QList<ArgfileToken> tokens = ArgfileParser().getHighlighterList(content);
-        QString covered;
-        for (const ArgfileToken& token : tokens) {
-            if (token.position() != covered.size() || token.originalLength() == 0
-                || (token.isSeparator() && !token.str().isEmpty()))
-                return false;
-            covered += token.originalText();
-        }
-        return tokens.isEmpty() || covered == content;
-    };
-    const QString found = counterexample(alphabet, longest, isCovered);
+    const QString found = counterexample(alphabet, longest, tresktest::tokensCover);
     QVERIFY2(found.isNull(), qPrintable(found));
 }
 
@@ -245,18 +236,7 @@ void TestArgfileParserModel::argumentsAreRunsOfTokens()
 {
     QFETCH(const QString, alphabet);
     const auto agree = [](const QString& content) {
-        const QList<ArgfileToken> tokens = ArgfileParser().getHighlighterList(content);
-        QStringList runs;
-        bool isInRun = false;
-        for (const ArgfileToken& token : tokens) {
-            if (!token.isSeparator() && !isInRun)
-                runs += QString();
-            isInRun = !token.isSeparator();
-            if (isInRun)
-                runs.last() += token.str();
-        }
-        return parsed(content, nullptr) == runs
-            && parsed(content, &filledTable()).size() == runs.size();
+        return tresktest::argumentsAreRunsOfTokens(content, filledTable());
     };
     const QString found = counterexample(alphabet, longest, agree);
     QVERIFY2(found.isNull(), qPrintable(found));
@@ -287,19 +267,7 @@ void TestArgfileParserModel::whatIsQuotedComesOutWhole()
 {
     QFETCH(const QString, alphabet);
     const auto isWhole = [](const QString& content) {
-        QString escaped;
-        for (const QChar c : content)
-            escaped += QLatin1Char('\\') + QString(c);
-        QString doubled = content;
-        doubled.replace(QLatin1Char('$'), text("$$"));
-        const QStringList expected(doubled);
-        const QString inDoubleQuotes = QLatin1Char('"') + escaped + QLatin1Char('"');
-        const QString inSingleQuotes = QLatin1Char('\'') + content + QLatin1Char('\'');
-        return parsed(inDoubleQuotes, nullptr) == expected
-            && parsed(inDoubleQuotes, &filledTable()) == expected
-            && (content.isEmpty() || parsed(escaped, &filledTable()) == expected)
-            && (content.contains(QLatin1Char('\''))
-                || parsed(inSingleQuotes, &filledTable()) == expected);
+        return comesOutWhole(content, nullptr) && comesOutWhole(content, &filledTable());
     };
     const QString found = counterexample(alphabet, 5, isWhole);
     QVERIFY2(found.isNull(), qPrintable(found));
