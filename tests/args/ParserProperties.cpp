@@ -1,6 +1,10 @@
 #include "ParserProperties.h"
 
+#include "ArgfileModel.h"
+
 #include <tresk/ArgfileParser.h>
+
+#include <algorithm>
 
 using tresk::ArgfileParser;
 using tresk::ArgfileToken;
@@ -16,7 +20,25 @@ QStringList parsed(const QString& content, const Table* table)
     return ArgfileParser().parseArgfile(content, table);
 }
 
+bool isSame(const ArgfileToken& token, const ArgfileModelToken& model)
+{
+    return token.str() == model.text && token.isSeparator() == model.isSeparator
+        && token.position() == model.position && token.originalText() == model.originalText;
+}
+
 } // namespace
+
+bool tokensAreThoseOfTheModel(const QString& content)
+{
+    const QList<ArgfileToken> tokens = ArgfileParser().getHighlighterList(content);
+    const QList<ArgfileModelToken> expected = modelHighlighterList(content);
+    return std::equal(tokens.begin(), tokens.end(), expected.begin(), expected.end(), isSame);
+}
+
+bool argumentsAreThoseOfTheModel(const QString& content, const Table* table)
+{
+    return parsed(content, table) == modelArguments(content, table);
+}
 
 bool tokensCover(const QString& content)
 {

@@ -4,9 +4,12 @@
 #include <QHash>
 #include <QString>
 
+/// What must hold of the parser of argument files and any text.
 namespace tresktest {
 
-/// What must hold of the parser and any text, found out without a model.
+/// The parser takes @p content apart as its model does.
+bool tokensAreThoseOfTheModel(const QString& content);
+bool argumentsAreThoseOfTheModel(const QString& content, const QHash<QString, QString>* table);
 
 /// Where there are tokens, they are all of @p content, and nothing else is.
 bool tokensCover(const QString& content);

@@ -1,4 +1,3 @@
-#include "ArgfileModel.h"
 #include "ParserProperties.h"
 #include "TokenText.h"
 #include "Watched.h"
@@ -8,9 +7,6 @@
 #include <algorithm>
 #include <functional>
 
-using tresk::ArgfileParser;
-using tresk::ArgfileToken;
-using tresktest::ArgfileModelToken;
 using tresktest::comesOutWhole;
 using tresktest::isWatched;
 using tresktest::parsed;
@@ -78,23 +74,14 @@ QList<const VariableTable*> tables()
     return {nullptr, &empty, &filledTable()};
 }
 
-bool isSame(const ArgfileToken& token, const ArgfileModelToken& model)
-{
-    return token.str() == model.text && token.isSeparator() == model.isSeparator
-        && token.position() == model.position && token.originalText() == model.originalText;
-}
-
 bool isReadAsByTheModel(const QString& content)
 {
-    const QList<ArgfileToken> tokens = ArgfileParser().getHighlighterList(content);
-    const QList<ArgfileModelToken> expected = tresktest::modelHighlighterList(content);
-    if (!std::equal(tokens.begin(), tokens.end(), expected.begin(), expected.end(), isSame))
-        return false;
-    const auto hasSameArguments = [&](const VariableTable* table) {
-        return parsed(content, table) == tresktest::modelArguments(content, table);
+    const auto hasSameArguments = [&content](const VariableTable* table) {
+        return tresktest::argumentsAreThoseOfTheModel(content, table);
     };
     const QList<const VariableTable*> all = tables();
-    return std::all_of(all.begin(), all.end(), hasSameArguments);
+    return tresktest::tokensAreThoseOfTheModel(content)
+        && std::all_of(all.begin(), all.end(), hasSameArguments);
 }
 
 QString anyOf(const QString& characters, QRandomGenerator& random)
