@@ -3,6 +3,7 @@
 #include <tresk/SummaryReader.h>
 #include <tresk/TreskParser.h>
 
+#include "container/Deflate.h"
 #include "core/Logging.h"
 #include "summary/FileIndex.h"
 
@@ -19,7 +20,6 @@ namespace {
 const QLatin1String summaryFilename("ws_summary.xml");
 // That all versions of Qt hold as a text.
 constexpr int longestSummary = std::numeric_limits<int>::max() / 2 - 64;
-constexpr qint64 largestRatio = 1032; // of inflated to stored bytes that deflate reaches
 // Inflated before a stream is found to be longer than its content is said to be.
 constexpr qint64 largestExcess = qint64(1024) * 1024;
 

@@ -3,6 +3,7 @@
 #include <tresk/ExtractionQueue.h>
 #include <tresk/TreskParser.h>
 
+#include "container/Deflate.h"
 #include "tree/HashOrder.h"
 
 #include <QDir>
@@ -21,7 +22,6 @@ namespace {
 
 constexpr qint64 largestDocument = std::numeric_limits<int>::max();
 constexpr qint64 largestPiece = 100000; // of stored bytes that an extraction inflates at once
-constexpr qint64 largestRatio = 1032; // of inflated to stored bytes that deflate reaches
 
 /// What keeps an embedded document from being followed, @p level documents deep. @p tag is null
 /// where the summary names a file that is not there.
