@@ -43,4 +43,11 @@ QByteArray withWrongChecksum(const QByteArray& content)
     return stream;
 }
 
+DocumentWriter newDocument()
+{
+    DocumentWriter document("%PDF-1.4\n");
+    document.writeHeader();
+    return document;
+}
+
 } // namespace tresktest

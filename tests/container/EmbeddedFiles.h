@@ -22,6 +22,9 @@ QByteArray squares(int size);
 /// The stream of @p content with one bit of its checksum wrong.
 QByteArray withWrongChecksum(const QByteArray& content);
 
+/// A document with a header and no steps yet.
+DocumentWriter newDocument();
+
 } // namespace tresktest
 
 #endif
