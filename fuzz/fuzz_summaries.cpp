@@ -3,21 +3,21 @@
 // any byte become the description of one of the step's files. The summaries must be those that
 // their model makes.
 
+#include "AlikeFiles.h"
 #include "ByteSource.h"
 #include "CreatorModel.h"
 #include "DebugLines.h"
 #include "FuzzTarget.h"
 #include "ScratchFile.h"
 #include "SummaryText.h"
-#include "SummaryXml.h"
 
 #include <tresk/SummaryCreator.h>
 
 #include <QLoggingCategory>
 
 using tresk::Summary;
+using tresktest::AlikeFiles;
 using tresktest::DocumentWriter;
-using tresktest::FileElement;
 using tresktest::FileSpec;
 using tresktest::MessageCapture;
 using tresktest::SectionSpec;
@@ -30,12 +30,13 @@ constexpr int mostDescriptions = 16; // in a text
 
 using Files = QVector<FileSpec>;
 
-/// Files of which many are alike, so that there are several that a description can mean.
+/// Makes the document that an input stands for.
 class Maker {
 public:
     explicit Maker(const QByteArray& input)
         : m_texts(input.split('~'))
         , m_choices(m_texts.takeFirst())
+        , m_files(m_choices)
     {
     }
 
@@ -45,68 +46,23 @@ public:
         document.writeHeader();
         int lastStart = document.position();
         for (int left = 1 + m_choices.below(3); left > 0; --left) {
-            if (oneIn(8))
-                document.writeFile(file());
+            if (m_files.oneIn(8))
+                document.writeFile(m_files.file());
             SectionSpec section;
             section.title = QStringLiteral("step");
             section.creator = QStringLiteral("creator %1").arg(left);
             section.files = filesOfStep();
-            if (oneIn(8))
+            if (m_files.oneIn(8))
                 section.regionStart = lastStart;
             lastStart = document.position();
             document.writeSection(section);
         }
-        if (oneIn(4))
-            document.writeFile(file());
+        if (m_files.oneIn(4))
+            document.writeFile(m_files.file());
         return document;
     }
 
 private:
-    bool oneIn(int count) { return m_choices.below(count) == 1; }
-
-    QByteArray oneOf(const QList<QByteArray>& list)
-    {
-        return list.at(m_choices.below(int(list.size())));
-    }
-
-    QByteArray digest() { return QByteArray(32, oneIn(2) ? 'a' : 'b'); }
-
-    FileSpec file()
-    {
-        FileSpec file = FileSpec::plain(QStringLiteral("a"), oneOf({"", "x", "y"}));
-        if (oneIn(3))
-            file.compression = "flate";
-        if (oneIn(4))
-            file.desc = QStringLiteral("description");
-        if (oneIn(4))
-            file.comment = QStringLiteral("comment");
-        if (oneIn(4))
-            file.with("md5cfile", digest());
-        if (oneIn(4))
-            file.with("filename", oneOf({"b", "a>-<b", "a>-<" + digest(), "ws_summary.xml"}));
-        if (oneIn(4))
-            file.with("md5file", oneIn(2) ? digest() : QByteArray());
-        if (oneIn(8))
-            file.with("filesize", oneOf({"", "3", "-1"}));
-        return file;
-    }
-
-    QByteArray descriptionOf(const FileSpec& file)
-    {
-        FileElement element(file, oneIn(2) ? "InFile" : "OutFile");
-        if (oneIn(8))
-            element.with("Embedded", "0");
-        if (oneIn(4))
-            element.with(oneOf({"Description", "Comment", "Filetype"}), "description");
-        if (oneIn(4))
-            element.with(oneOf({"CompressedSize", "CompressedMD5", "CompressedMethod"}), "1");
-        if (oneIn(4))
-            element.with("Filename", "a");
-        if (oneIn(4))
-            element.with("UncompressedMD5", oneOf({digest(), "b>-<" + digest(), digest() + ">-<"}));
-        return element.xml();
-    }
-
     /// The next text, with the descriptions that are asked for.
     QByteArray summaryText(const Files& files)
     {
@@ -121,22 +77,18 @@ private:
                 continue;
             }
             ++i;
-            result += descriptionOf(files.at(uchar(text.at(i)) % int(files.size())));
+            result += m_files.descriptionOf(files.at(uchar(text.at(i)) % int(files.size()))).xml();
         }
         return result;
     }
 
     Files filesOfStep()
     {
-        Files files;
-        for (int left = m_choices.below(6); left > 0; --left)
-            files += files.isEmpty() || oneIn(2) ? file() : files.last();
-        if (oneIn(8))
+        Files files = m_files.files(6);
+        if (m_files.oneIn(8))
             return files;
-        FileSpec summary = tresktest::summaryFile(summaryText(files));
-        if (oneIn(3))
-            summary.compression = oneIn(3) ? "lzma" : "flate";
-        if (oneIn(8))
+        FileSpec summary = m_files.summary(summaryText(files));
+        if (m_files.oneIn(8))
             summary.stored = QByteArray("x\x9c damaged");
         files += summary;
         return files;
@@ -144,6 +96,7 @@ private:
 
     QList<QByteArray> m_texts;
     tresk_fuzz::ByteSource m_choices;
+    AlikeFiles<tresk_fuzz::ByteSource> m_files;
 };
 
 void checkPrinting(const Summary& summary)

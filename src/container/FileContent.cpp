@@ -4,6 +4,7 @@
 #include <tresk/TreskParser.h>
 
 #include "container/ByteSearch.h"
+#include "container/Deflate.h"
 #include "container/ZlibStream.h"
 #include "core/Logging.h"
 #include "core/ProcessorClock.h"
@@ -20,7 +21,6 @@ namespace {
 constexpr int writePiece = 4 * 1024 * 1024;
 constexpr int longestContent = longestArray - 1024 * 1024;
 constexpr int digestPiece = 256 * 1024; // stays in the processor's cache between its uses
-constexpr qint64 largestRatio = 1032; // of inflated to stored bytes that deflate reaches
 
 const QLatin1String flate("flate");
 const QLatin1String none("none");

@@ -3,6 +3,7 @@
 #include <tresk/SummaryReader.h>
 #include <tresk/TreskParser.h>
 
+#include "container/Deflate.h"
 #include "core/Logging.h"
 #include "summary/FileIndex.h"
 
@@ -17,9 +18,8 @@ namespace tresk {
 namespace {
 
 const QLatin1String summaryFilename("ws_summary.xml");
-constexpr int longestSummary = std::numeric_limits<int>::max() / 2
-    - 64; // that all versions of Qt hold
-constexpr qint64 largestRatio = 1032; // of inflated to stored bytes that deflate reaches
+// That all versions of Qt hold as a text.
+constexpr int longestSummary = std::numeric_limits<int>::max() / 2 - 64;
 // Inflated before a stream is found to be longer than its content is said to be.
 constexpr qint64 largestExcess = qint64(1024) * 1024;
 
@@ -151,6 +151,18 @@ void reportMismatches(const QList<FileSummary>& files)
     }
 }
 
+/// Gives @p summary the files of the newest section, @p newestFiles, which all that get them share.
+void takeNewestFiles(Summary& summary, QList<FileSummary>& newestFiles, TreskParser& parser,
+                     SummaryBudget& budget)
+{
+    if (newestFiles.isEmpty())
+        newestFiles = fromTags(parser.getFilesInSection(0));
+    if (!allowFiles(newestFiles.size(), summary.tagId, budget))
+        return;
+    summary.files = newestFiles;
+    reportMismatches(newestFiles);
+}
+
 } // namespace
 
 SummaryCreator::SummaryCreator() = default;
@@ -168,7 +180,7 @@ QList<Summary> SummaryCreator::createSummaries(TreskParser& parser)
 QList<Summary> SummaryCreator::createSummaries(TreskParser& parser, SummaryBudget& budget)
 {
     QList<Summary> summaries;
-    QList<FileSummary> newestFiles; // shared by the summaries that get them
+    QList<FileSummary> newestFiles; // taken from the document once they are needed
     const QList<FileTag> allFiles = parser.getFiles();
     const QList<SectionTag> sections = parser.getSections();
     for (auto section = sections.crbegin(); section != sections.crend(); ++section) {
@@ -193,14 +205,8 @@ QList<Summary> SummaryCreator::createSummaries(TreskParser& parser, SummaryBudge
         // that of the id that was read. This is -1, or 0 where there was no step element: such a
         // summary, which names no files, gets all those of the newest section, whose own turn
         // comes last.
-        if (readTagId == 0) {
-            if (newestFiles.isEmpty())
-                newestFiles = fromTags(parser.getFilesInSection(0));
-            if (allowFiles(newestFiles.size(), section->id, budget)) {
-                summary->files = newestFiles;
-                reportMismatches(newestFiles);
-            }
-        }
+        if (readTagId == 0)
+            takeNewestFiles(*summary, newestFiles, parser, budget);
         summaries.append(*summary);
     }
 

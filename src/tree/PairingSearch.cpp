@@ -3,6 +3,7 @@
 #include <tresk/WorkflowTree.h>
 
 #include "tree/ExpectedCharges.h"
+#include "tree/GreedyPairing.h"
 #include "tree/OptionalMatching.h"
 #include "tree/PairingImprovement.h"
 #include "tree/PartialPairing.h"
@@ -18,11 +19,11 @@ namespace tresk {
 
 namespace {
 
-constexpr std::size_t mostBytes = std::size_t(128) * 1024
-    * 1024; ///< for partial pairings and results
+/// For partial pairings and results.
+constexpr std::size_t mostBytes = std::size_t(128) * 1024 * 1024;
 constexpr int bytesOfNode = 100; ///< in a result
-constexpr qint64 mostWork = qint64(2000) * 1000
-    * 1000; ///< pairs of nodes, for each partial pairing
+/// Pairs of nodes, for each partial pairing.
+constexpr qint64 mostWork = qint64(2000) * 1000 * 1000;
 /// Rows by rows and columns, for which assignments are solved: the numbers that a path of decisions
 /// keeps.
 constexpr qint64 largestProblem = qint64(2) * 1000 * 1000;
@@ -85,7 +86,6 @@ private:
     std::vector<Candidate> successors(const std::shared_ptr<const Expanded>& expanded);
     void push(const Candidate& candidate);
     void record(const PartialPairing& pairing);
-    void pairGreedily();
     bool isTooDear(double bound) const;
 
     QList<int> m_ids1;
@@ -107,7 +107,9 @@ void Search::run()
     if (nothing.isComplete()) {
         record(nothing);
     } else if (qint64(m_problem.rows) * (m_problem.rows + m_problem.columns) > largestProblem) {
-        pairGreedily();
+        const GreedyPairing greedy = greedyPairing(m_problem);
+        record(greedy.pairing);
+        push({greedy.bound, 0, 0, nullptr, alone, nullptr});
     } else {
         start();
         search();
@@ -290,40 +292,6 @@ bool Search::isTooDear(double bound) const
     // The fraction of a priority is cut off towards 0.
     const double better = worst > 0 ? worst - m_problem.grain : worst - 1.0;
     return bound > better + m_problem.tolerance(worst);
-}
-
-/// For trees that are too large for assignments: takes the cheapest partner for each node in turn.
-void Search::pairGreedily()
-{
-    PartialPairing pairing(m_problem);
-    const double leftOver = pairing.aloneColumnCost();
-    double bound = leftOver * m_problem.columns; // if each row could have the column that it wants
-    double leastExtra =
-        pairing.oddDiscount(); // for a number of pairs that is odd, or even, instead
-    int pairs = 0;
-    while (!pairing.isComplete()) {
-        const int row = pairing.firstOpenRow();
-        int cheapest = alone;
-        double cost = pairing.aloneRowCost(row);
-        double lowest = std::numeric_limits<double>::infinity(); // of all columns
-        for (int column = 0; column < m_problem.columns; ++column) {
-            lowest = std::min(lowest, m_problem.price(row, column) - leftOver);
-            if (!pairing.isOpenColumn(column))
-                continue;
-            if (pairing.pairCost(row, column) - leftOver < cost) {
-                cheapest = column;
-                cost = pairing.pairCost(row, column) - leftOver;
-            }
-        }
-        bound += std::min(lowest, m_problem.aloneCost);
-        pairs += lowest < m_problem.aloneCost ? 1 : 0;
-        leastExtra = std::min(leastExtra, std::abs(lowest - m_problem.aloneCost));
-        pairing.decide(cheapest);
-    }
-    const bool isOdd = (m_problem.columns - pairs) % 2 != 0;
-    bound -= pairing.oddDiscount() - (isOdd ? 0 : leastExtra);
-    record(pairing);
-    push({bound, 0, 0, nullptr, alone, nullptr});
 }
 
 } // namespace

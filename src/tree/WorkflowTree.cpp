@@ -3,6 +3,7 @@
 #include <tresk/ExtractionQueue.h>
 #include <tresk/TreskParser.h>
 
+#include "container/Deflate.h"
 #include "tree/HashOrder.h"
 
 #include <QDir>
@@ -13,6 +14,7 @@
 
 #include <algorithm>
 #include <limits>
+#include <optional>
 
 namespace tresk {
 
@@ -20,7 +22,22 @@ namespace {
 
 constexpr qint64 largestDocument = std::numeric_limits<int>::max();
 constexpr qint64 largestPiece = 100000; // of stored bytes that an extraction inflates at once
-constexpr qint64 largestRatio = 1032; // of inflated to stored bytes that deflate reaches
+
+/// What keeps an embedded document from being followed, @p level documents deep. @p tag is null
+/// where the summary names a file that is not there.
+std::optional<WorkflowTreeOmission::Limit> reachedLimit(const WorkflowTreeLimits& limits,
+                                                        const WorkflowTreeLimits& left,
+                                                        const FileTag* tag, int level)
+{
+    if (level > std::min(limits.depth, WorkflowTreeLimits::deepest))
+        return WorkflowTreeOmission::Depth;
+    if (left.documents <= 0)
+        return WorkflowTreeOmission::Documents;
+    // Of one that is as large as it says, nothing is written in vain.
+    if (left.bytes <= 0 || (tag && tag->filesize > left.bytes))
+        return WorkflowTreeOmission::Bytes;
+    return std::nullopt;
+}
 
 } // namespace
 
@@ -220,18 +237,9 @@ QList<Summary> WorkflowTree::readSummaries(TreskParser& parser, SummaryBudget& b
 /// Adds the steps of an embedded document under the node that embeds it.
 void WorkflowTree::followFile(TreskParser& parser, int nodeId, const FileSummary& file, int level)
 {
-    if (level > std::min(m_limits.depth, WorkflowTreeLimits::deepest)) {
-        omit(WorkflowTreeOmission::Depth, nodeId, file.filename);
-        return;
-    }
-    if (m_left.documents <= 0) {
-        omit(WorkflowTreeOmission::Documents, nodeId, file.filename);
-        return;
-    }
-    // Of one that is as large as it says, nothing is written in vain.
     const QSharedPointer<FileTag> tag = parser.getFile(file.tagId);
-    if (m_left.bytes <= 0 || (tag && tag->filesize > m_left.bytes)) {
-        omit(WorkflowTreeOmission::Bytes, nodeId, file.filename);
+    if (const auto limit = reachedLimit(m_limits, m_left, tag.data(), level)) {
+        omit(*limit, nodeId, file.filename);
         return;
     }
     --m_left.documents;

@@ -4,18 +4,18 @@
 
 namespace tresktest {
 
-Outcome runArgs(const TestDir& dir, const QByteArray& content, const QStringList& options)
+Outcome ArgsRuns::args(const QByteArray& content, const QStringList& options) const
 {
-    dir.write(text("some.args"), content);
+    m_dir.write(text("some.args"), content);
     return Command(QStringList{text("args"), text("some.args")} + options)
-        .inDirectory(dir.path(QString()))
+        .inDirectory(m_dir.path(QString()))
         .run();
 }
 
-QJsonObject argsJson(const TestDir& dir, const QByteArray& content, const QStringList& options,
-                     int exitCode)
+QJsonObject ArgsRuns::json(const QByteArray& content, const QStringList& options,
+                           int exitCode) const
 {
-    const Outcome outcome = runArgs(dir, content, options + QStringList{text("--json")});
+    const Outcome outcome = args(content, options + QStringList{text("--json")});
     if (outcome.exitCode != exitCode)
         QTest::qFail(outcome.errors.constData(), __FILE__, __LINE__);
     return jsonObject(outcome.output);

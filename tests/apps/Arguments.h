@@ -7,12 +7,18 @@
 
 namespace tresktest {
 
-/// Runs `tresk args` on a file some.args with this content, which it writes to @p dir.
-Outcome runArgs(const TestDir& dir, const QByteArray& content, const QStringList& options = {});
+/// Runs `tresk args` on argument files in a folder of its own.
+class ArgsRuns {
+protected:
+    /// Runs it on a file some.args with this content.
+    Outcome args(const QByteArray& content, const QStringList& options = {}) const;
+    /// The object that it prints with --json; a failure of the test if it ends with another exit
+    /// code.
+    QJsonObject json(const QByteArray& content, const QStringList& options = {},
+                     int exitCode = 0) const;
 
-/// The object that it prints with --json; a failure of the test if it ends with another exit code.
-QJsonObject argsJson(const TestDir& dir, const QByteArray& content, const QStringList& options = {},
-                     int exitCode = 0);
+    TestDir m_dir;
+};
 
 /// An object that has just the members of @p names, separated by blanks, with the strings of
 /// @p values, separated by "|".

@@ -7,7 +7,7 @@
 using namespace tresktest;
 
 /// What `tresk args` shows of argument files.
-class TestCommandArgs : public QObject {
+class TestCommandArgs : public QObject, protected ArgsRuns {
     Q_OBJECT
 
 private Q_SLOTS:
@@ -27,19 +27,6 @@ private Q_SLOTS:
     void tokensAreListed();
     void manyTokensAreAligned();
     void tokensCoverTheText();
-
-private:
-    Outcome args(const QByteArray& content, const QStringList& options = {}) const
-    {
-        return runArgs(m_dir, content, options);
-    }
-    QJsonObject json(const QByteArray& content, const QStringList& options = {},
-                     int exitCode = 0) const
-    {
-        return argsJson(m_dir, content, options, exitCode);
-    }
-
-    TestDir m_dir;
 };
 
 namespace {

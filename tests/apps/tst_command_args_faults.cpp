@@ -7,7 +7,7 @@
 using namespace tresktest;
 
 /// What `tresk args` says of faults in argument files, and of files that are none.
-class TestCommandArgsFaults : public QObject {
+class TestCommandArgsFaults : public QObject, protected ArgsRuns {
     Q_OBJECT
 
 private Q_SLOTS:
@@ -25,19 +25,6 @@ private Q_SLOTS:
     void fileMustBeReadable();
     void sizeIsLimited();
     void failingOutputIsTrouble();
-
-private:
-    Outcome args(const QByteArray& content, const QStringList& options = {}) const
-    {
-        return runArgs(m_dir, content, options);
-    }
-    QJsonObject json(const QByteArray& content, const QStringList& options = {},
-                     int exitCode = 0) const
-    {
-        return argsJson(m_dir, content, options, exitCode);
-    }
-
-    TestDir m_dir;
 };
 
 void TestCommandArgsFaults::initTestCase()

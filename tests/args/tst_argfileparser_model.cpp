@@ -1,4 +1,4 @@
-#include "ArgfileModel.h"
+#include "ParserProperties.h"
 #include "TokenText.h"
 #include "Watched.h"
 
@@ -7,9 +7,7 @@
 #include <algorithm>
 #include <functional>
 
-using tresk::ArgfileParser;
-using tresk::ArgfileToken;
-using tresktest::ArgfileModelToken;
+using tresktest::comesOutWhole;
 using tresktest::isWatched;
 using tresktest::parsed;
 using tresktest::text;
@@ -76,23 +74,14 @@ QList<const VariableTable*> tables()
     return {nullptr, &empty, &filledTable()};
 }
 
-bool isSame(const ArgfileToken& token, const ArgfileModelToken& model)
-{
-    return token.str() == model.text && token.isSeparator() == model.isSeparator
-        && token.position() == model.position && token.originalText() == model.originalText;
-}
-
 bool isReadAsByTheModel(const QString& content)
 {
-    const QList<ArgfileToken> tokens = ArgfileParser().getHighlighterList(content);
-    const QList<ArgfileModelToken> expected = tresktest::modelHighlighterList(content);
-    if (!std::equal(tokens.begin(), tokens.end(), expected.begin(), expected.end(), isSame))
-        return false;
-    const auto hasSameArguments = [&](const VariableTable* table) {
-        return parsed(content, table) == tresktest::modelArguments(content, table);
+    const auto hasSameArguments = [&content](const VariableTable* table) {
+        return tresktest::argumentsAreThoseOfTheModel(content, table);
     };
     const QList<const VariableTable*> all = tables();
-    return std::all_of(all.begin(), all.end(), hasSameArguments);
+    return tresktest::tokensAreThoseOfTheModel(content)
+        && std::all_of(all.begin(), all.end(), hasSameArguments);
 }
 
 QString anyOf(const QString& characters, QRandomGenerator& random)
@@ -221,18 +210,7 @@ void TestArgfileParserModel::tokensCoverTheText_data()
 void TestArgfileParserModel::tokensCoverTheText()
 {
     QFETCH(const QString, alphabet);
-    const auto isCovered = [](const QString& content) {
-        const QList<ArgfileToken> tokens = ArgfileParser().getHighlighterList(content);
-        QString covered;
-        for (const ArgfileToken& token : tokens) {
-            if (token.position() != covered.size() || token.originalLength() == 0
-                || (token.isSeparator() && !token.str().isEmpty()))
-                return false;
-            covered += token.originalText();
-        }
-        return tokens.isEmpty() || covered == content;
-    };
-    const QString found = counterexample(alphabet, longest, isCovered);
+    const QString found = counterexample(alphabet, longest, tresktest::tokensCover);
     QVERIFY2(found.isNull(), qPrintable(found));
 }
 
@@ -245,18 +223,7 @@ void TestArgfileParserModel::argumentsAreRunsOfTokens()
 {
     QFETCH(const QString, alphabet);
     const auto agree = [](const QString& content) {
-        const QList<ArgfileToken> tokens = ArgfileParser().getHighlighterList(content);
-        QStringList runs;
-        bool isInRun = false;
-        for (const ArgfileToken& token : tokens) {
-            if (!token.isSeparator() && !isInRun)
-                runs += QString();
-            isInRun = !token.isSeparator();
-            if (isInRun)
-                runs.last() += token.str();
-        }
-        return parsed(content, nullptr) == runs
-            && parsed(content, &filledTable()).size() == runs.size();
+        return tresktest::argumentsAreRunsOfTokens(content, filledTable());
     };
     const QString found = counterexample(alphabet, longest, agree);
     QVERIFY2(found.isNull(), qPrintable(found));
@@ -287,19 +254,7 @@ void TestArgfileParserModel::whatIsQuotedComesOutWhole()
 {
     QFETCH(const QString, alphabet);
     const auto isWhole = [](const QString& content) {
-        QString escaped;
-        for (const QChar c : content)
-            escaped += QLatin1Char('\\') + QString(c);
-        QString doubled = content;
-        doubled.replace(QLatin1Char('$'), text("$$"));
-        const QStringList expected(doubled);
-        const QString inDoubleQuotes = QLatin1Char('"') + escaped + QLatin1Char('"');
-        const QString inSingleQuotes = QLatin1Char('\'') + content + QLatin1Char('\'');
-        return parsed(inDoubleQuotes, nullptr) == expected
-            && parsed(inDoubleQuotes, &filledTable()) == expected
-            && (content.isEmpty() || parsed(escaped, &filledTable()) == expected)
-            && (content.contains(QLatin1Char('\''))
-                || parsed(inSingleQuotes, &filledTable()) == expected);
+        return comesOutWhole(content, nullptr) && comesOutWhole(content, &filledTable());
     };
     const QString found = counterexample(alphabet, 5, isWhole);
     QVERIFY2(found.isNull(), qPrintable(found));

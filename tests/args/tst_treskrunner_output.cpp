@@ -1,3 +1,4 @@
+#include "Latin1.h"
 #include "SplitModel.h"
 
 #include <tresk/TreskRunner.h>
@@ -7,14 +8,10 @@
 #include <QTest>
 
 using tresk::TreskRunner;
+using tresktest::latin1;
 using tresktest::SplitModel;
 
 namespace {
-
-QString latin1(const char* text)
-{
-    return QString::fromLatin1(text);
-}
 
 /// A runner that runs nothing.
 class Runner : public TreskRunner {

@@ -40,6 +40,11 @@ private:
 
 QString percentEvent(int percent, const QString& name);
 
+/// The call of process() for a queue in which nothing is.
+inline const QString nothingLeft = QStringLiteral("percent -2147483648  | done");
+/// What a queue says at the end of a run that it has timed.
+inline const QString timeLogged = QStringLiteral("log 0 validation finished: TIME");
+
 /// One call of process(): its events, and "more" or "done" for what it returns.
 template <typename Queue>
 QString step(Queue& queue, QueueEvents& events)

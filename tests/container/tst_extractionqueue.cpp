@@ -1,4 +1,6 @@
 #include "DocumentWriter.h"
+#include "EmbeddedFiles.h"
+#include "QueueDocuments.h"
 #include "QueueEvents.h"
 #include "TestFiles.h"
 
@@ -11,57 +13,33 @@
 #include <limits>
 
 using tresk::ExtractionQueue;
-using tresk::TreskParser;
+using tresktest::counted;
 using tresktest::deflated;
-using tresktest::DocumentWriter;
 using tresktest::FileSpec;
 using tresktest::finish;
+using tresktest::flate;
 using tresktest::isOpen;
+using tresktest::nothingLeft;
 using tresktest::percentages;
+using tresktest::plain;
+using tresktest::QueueDocuments;
 using tresktest::QueueEvents;
 using tresktest::readFile;
 using tresktest::step;
-using tresktest::TestDir;
+using tresktest::storedAs;
+using tresktest::twoLines;
 using tresktest::verdicts;
 
 namespace {
 
-const QByteArray text = "The content of a file.\nIts second line.\n";
-const QString nothingLeft = QStringLiteral("percent -2147483648  | done");
 const int largest = std::numeric_limits<int>::max();
-
-/// Bytes of which no two pieces are alike.
-QByteArray counted(int size)
-{
-    QByteArray bytes;
-    for (quint32 i = 0; bytes.size() < size; ++i)
-        bytes += QByteArray::number(i * 2654435761U);
-    bytes.truncate(size);
-    return bytes;
-}
-
-FileSpec plain(const QByteArray& content)
-{
-    return FileSpec::plain(QStringLiteral("file"), content);
-}
-
-FileSpec flate(const QByteArray& content)
-{
-    return FileSpec::flate(QStringLiteral("file"), content);
-}
-
-FileSpec storedAs(FileSpec file, const QByteArray& stored)
-{
-    file.stored = stored;
-    return file;
-}
 
 } // namespace
 
 Q_DECLARE_METATYPE(tresktest::FileSpec)
 
 /// Embedded files written to disk step by step.
-class TestExtractionQueue : public QObject {
+class TestExtractionQueue : public QObject, protected QueueDocuments {
     Q_OBJECT
 
 private Q_SLOTS:
@@ -80,78 +58,52 @@ private Q_SLOTS:
     void targetOfTwoFiles();
     void blocksAreWrittenAtOnce();
     void targetIsClosedAtTheEnd();
-
-private:
-    bool open(TreskParser& parser, const QVector<FileSpec>& files,
-              const QByteArray& terminator = "\n")
-    {
-        DocumentWriter doc;
-        doc.setTerminator(terminator);
-        doc.writeHeader();
-        for (const FileSpec& file : files)
-            doc.writeFile(file);
-        const QString name = QStringLiteral("document %1").arg(m_documents++);
-        return parser.open(m_dir.write(name, doc.bytes())) && parser.getNumFiles() == files.size();
-    }
-    bool open(const QVector<FileSpec>& files) { return open(m_parser, files); }
-    QString target(int id) const { return m_dir.path(QStringLiteral("target %1").arg(id)); }
-    QHash<int, QString> targets(int count) const
-    {
-        QHash<int, QString> result;
-        for (int id = 0; id < count; ++id)
-            result.insert(id, target(id));
-        return result;
-    }
-
-    TestDir m_dir;
-    TreskParser m_parser;
-    int m_documents = 0;
 };
 
 void TestExtractionQueue::written_data()
 {
     QTest::addColumn<FileSpec>("file");
     QTest::addColumn<QByteArray>("expected");
-    const QByteArray stream = deflated(text);
+    const QByteArray stream = deflated(twoLines);
     const QByteArray large = counted(350000);
     const QByteArray other(32, 'a');
-    QTest::newRow("plain") << plain(text) << text;
+    QTest::newRow("plain") << plain(twoLines) << twoLines;
     QTest::newRow("plain, empty") << plain("") << QByteArray();
     QTest::newRow("plain, one block") << plain(large.left(100000)) << large.left(100000);
     QTest::newRow("plain, several blocks") << plain(large) << large;
-    QTest::newRow("flate") << flate(text) << text;
+    QTest::newRow("flate") << flate(twoLines) << twoLines;
     QTest::newRow("flate, empty") << flate("") << QByteArray();
     QTest::newRow("flate, several blocks") << flate(large) << large;
     QTest::newRow("flate, not compressed") << storedAs(flate(large), deflated(large, 0)) << large;
     QTest::newRow("flate, 3 MB in one block")
         << flate(QByteArray(3000000, 'x')) << QByteArray(3000000, 'x');
     QTest::newRow("flate, 1 MiB") << flate(QByteArray(1 << 20, 'x')) << QByteArray(1 << 20, 'x');
-    QTest::newRow("plain, other stored size") << plain(text).with("cfilesize", "1") << text;
-    QTest::newRow("flate, other size") << flate(text).with("filesize", "1") << text;
+    QTest::newRow("plain, other stored size") << plain(twoLines).with("cfilesize", "1") << twoLines;
+    QTest::newRow("flate, other size") << flate(twoLines).with("filesize", "1") << twoLines;
     QTest::newRow("unknown compression")
-        << storedAs(plain(text), stream + large).with("compression", "gzip")
-        << (stream + large).left(text.size());
+        << storedAs(plain(twoLines), stream + large).with("compression", "gzip")
+        << (stream + large).left(twoLines.size());
     // Checksums are not compared.
     QTest::newRow("plain, digests that are wrong")
-        << plain(text).with("md5file", other).with("md5cfile", other) << text;
-    QTest::newRow("plain, no digest") << plain(text).with("md5file", "") << text;
+        << plain(twoLines).with("md5file", other).with("md5cfile", other) << twoLines;
+    QTest::newRow("plain, no digest") << plain(twoLines).with("md5file", "") << twoLines;
     QTest::newRow("flate, digests that are wrong")
-        << flate(text).with("md5file", other).with("md5cfile", other) << text;
-    QTest::newRow("flate, no digest") << flate(text).with("md5file", "") << text;
+        << flate(twoLines).with("md5file", other).with("md5cfile", other) << twoLines;
+    QTest::newRow("flate, no digest") << flate(twoLines).with("md5file", "") << twoLines;
     QTest::newRow("flate without digest of stored bytes is copied as stored")
-        << flate(text).with("md5cfile", "") << stream;
+        << flate(twoLines).with("md5cfile", "") << stream;
     QTest::newRow("no stream, without digest of stored bytes")
-        << storedAs(flate(text), text).with("md5cfile", "") << text;
+        << storedAs(flate(twoLines), twoLines).with("md5cfile", "") << twoLines;
     // That a stream breaks off is not noticed.
-    QTest::newRow("flate, no checksum") << storedAs(flate(text), stream.chopped(4)) << text;
+    QTest::newRow("flate, no checksum") << storedAs(flate(twoLines), stream.chopped(4)) << twoLines;
     QTest::newRow("flate, broken off")
         << storedAs(flate(large), deflated(large, 0).left(40000)) << large.left(40000 - 7);
-    QTest::newRow("flate, nothing stored") << storedAs(flate(text), "") << QByteArray();
-    QTest::newRow("flate, stored size 0") << flate(text).with("cfilesize", "0") << QByteArray();
+    QTest::newRow("flate, nothing stored") << storedAs(flate(twoLines), "") << QByteArray();
+    QTest::newRow("flate, stored size 0") << flate(twoLines).with("cfilesize", "0") << QByteArray();
     QTest::newRow("flate, bytes behind the stream")
-        << storedAs(flate(text), stream + "rest") << text;
+        << storedAs(flate(twoLines), stream + "rest") << twoLines;
     QTest::newRow("flate, blocks behind the stream")
-        << storedAs(flate(text), stream + large) << text;
+        << storedAs(flate(twoLines), stream + large) << twoLines;
     // Nothing can be read everywhere.
     QTest::newRow("empty, start outside the document")
         << plain("").with("offset", "100000") << QByteArray();
@@ -177,17 +129,17 @@ void TestExtractionQueue::written()
 
 void TestExtractionQueue::carriageReturns()
 {
-    QVERIFY(open(m_parser, {plain(text), flate(text)}, "\r\n"));
+    QVERIFY(open(m_parser, {plain(twoLines), flate(twoLines)}, "\r\n"));
     ExtractionQueue queue(&m_parser);
     queue.addExtractees(targets(2));
     while (queue.process()) { }
-    QCOMPARE(readFile(target(0)), text);
-    QCOMPARE(readFile(target(1)), text);
+    QCOMPARE(readFile(target(0)), twoLines);
+    QCOMPARE(readFile(target(1)), twoLines);
 }
 
 void TestExtractionQueue::emptyQueue()
 {
-    QVERIFY(open({plain(text)}));
+    QVERIFY(open({plain(twoLines)}));
     ExtractionQueue queue(&m_parser);
     QueueEvents events(queue);
     QCOMPARE(step(queue, events), nothingLeft);

@@ -1,5 +1,6 @@
-#include "DocumentWriter.h"
+#include "EmbeddedFiles.h"
 #include "MessageCapture.h"
+#include "QueueDocuments.h"
 #include "QueueEvents.h"
 #include "TestFiles.h"
 
@@ -10,46 +11,22 @@
 
 using tresk::ExtractionQueue;
 using tresk::TreskParser;
-using tresktest::DocumentWriter;
-using tresktest::FileSpec;
+using tresktest::counted;
 using tresktest::finish;
+using tresktest::flate;
+using tresktest::nothingLeft;
 using tresktest::percentages;
+using tresktest::plain;
+using tresktest::QueueDocuments;
 using tresktest::QueueEvents;
 using tresktest::readFile;
 using tresktest::step;
 using tresktest::steps;
-using tresktest::TestDir;
+using tresktest::twoLines;
 using tresktest::verdicts;
 
-namespace {
-
-const QByteArray text = "The content of a file.\nIts second line.\n";
-const QString nothingLeft = QStringLiteral("percent -2147483648  | done");
-
-/// Bytes of which no two pieces are alike.
-QByteArray counted(int size)
-{
-    QByteArray bytes;
-    for (quint32 i = 0; bytes.size() < size; ++i)
-        bytes += QByteArray::number(i * 2654435761U);
-    bytes.truncate(size);
-    return bytes;
-}
-
-FileSpec plain(const QByteArray& content)
-{
-    return FileSpec::plain(QStringLiteral("file"), content);
-}
-
-FileSpec flate(const QByteArray& content)
-{
-    return FileSpec::flate(QStringLiteral("file"), content);
-}
-
-} // namespace
-
 /// Emptying and filling a queue while it works.
-class TestExtractionQueueControl : public QObject {
+class TestExtractionQueueControl : public QObject, protected QueueDocuments {
     Q_OBJECT
 
 private Q_SLOTS:
@@ -63,32 +40,6 @@ private Q_SLOTS:
     void cancelInSlot();
     void addInSlot();
     void addInLastPercentage();
-
-private:
-    bool open(TreskParser& parser, const QVector<FileSpec>& files,
-              const QByteArray& terminator = "\n")
-    {
-        DocumentWriter doc;
-        doc.setTerminator(terminator);
-        doc.writeHeader();
-        for (const FileSpec& file : files)
-            doc.writeFile(file);
-        const QString name = QStringLiteral("document %1").arg(m_documents++);
-        return parser.open(m_dir.write(name, doc.bytes())) && parser.getNumFiles() == files.size();
-    }
-    bool open(const QVector<FileSpec>& files) { return open(m_parser, files); }
-    QString target(int id) const { return m_dir.path(QStringLiteral("target %1").arg(id)); }
-    QHash<int, QString> targets(int count) const
-    {
-        QHash<int, QString> result;
-        for (int id = 0; id < count; ++id)
-            result.insert(id, target(id));
-        return result;
-    }
-
-    TestDir m_dir;
-    TreskParser m_parser;
-    int m_documents = 0;
 };
 
 void TestExtractionQueueControl::addedWhileRunning()
@@ -163,7 +114,7 @@ void TestExtractionQueueControl::resetWithAnotherDocument()
 {
     TreskParser other;
     QVERIFY(open(other, {plain("other")}));
-    QVERIFY(open({plain(counted(250000)), plain(text)}));
+    QVERIFY(open({plain(counted(250000)), plain(twoLines)}));
     ExtractionQueue queue(&m_parser);
     QueueEvents events(queue);
     queue.addExtractees(targets(2));
@@ -181,7 +132,7 @@ void TestExtractionQueueControl::resetWithAnotherDocument()
 
 void TestExtractionQueueControl::noParser()
 {
-    QVERIFY(open({plain(text)}));
+    QVERIFY(open({plain(twoLines)}));
     ExtractionQueue queue(nullptr);
     QueueEvents events(queue);
     queue.addExtractees(targets(1));
@@ -206,7 +157,7 @@ void TestExtractionQueueControl::cancelInSlot()
 {
     QFETCH(bool, atPercentage);
     QFETCH(QString, expected);
-    QVERIFY(open({plain(text), plain(text)}));
+    QVERIFY(open({plain(twoLines), plain(twoLines)}));
     ExtractionQueue queue(&m_parser);
     QueueEvents events(queue);
     if (atPercentage)
@@ -218,12 +169,12 @@ void TestExtractionQueueControl::cancelInSlot()
     queue.addExtractees(targets(2));
     QCOMPARE(step(queue, events), expected.arg(target(0)));
     QCOMPARE(step(queue, events), nothingLeft);
-    QCOMPARE(readFile(target(0)), text);
+    QCOMPARE(readFile(target(0)), twoLines);
 }
 
 void TestExtractionQueueControl::addInSlot()
 {
-    QVERIFY(open({plain(text), plain(text)}));
+    QVERIFY(open({plain(twoLines), plain(twoLines)}));
     ExtractionQueue queue(&m_parser);
     QueueEvents events(queue);
     connect(&queue, &ExtractionQueue::fileProcessed, &queue, [&](int id) {

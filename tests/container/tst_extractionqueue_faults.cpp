@@ -1,5 +1,7 @@
 #include "DocumentWriter.h"
+#include "EmbeddedFiles.h"
 #include "MessageCapture.h"
+#include "QueueDocuments.h"
 #include "QueueEvents.h"
 #include "TestFiles.h"
 
@@ -13,63 +15,28 @@
 #include <limits>
 
 using tresk::ExtractionQueue;
-using tresk::TreskParser;
+using tresktest::counted;
 using tresktest::deflated;
-using tresktest::DocumentWriter;
 using tresktest::FileSpec;
 using tresktest::finish;
+using tresktest::flate;
 using tresktest::MessageCapture;
+using tresktest::nothingLeft;
 using tresktest::percentages;
+using tresktest::plain;
+using tresktest::QueueDocuments;
 using tresktest::QueueEvents;
 using tresktest::readFile;
 using tresktest::step;
-using tresktest::TestDir;
+using tresktest::storedAs;
+using tresktest::twoLines;
 using tresktest::verdicts;
-
-namespace {
-
-const QByteArray text = "The content of a file.\nIts second line.\n";
-const QString nothingLeft = QStringLiteral("percent -2147483648  | done");
-
-QByteArray counted(int size)
-{
-    QByteArray bytes;
-    for (quint32 i = 0; bytes.size() < size; ++i)
-        bytes += QByteArray::number(i * 2654435761U);
-    bytes.truncate(size);
-    return bytes;
-}
-
-FileSpec plain(const QByteArray& content)
-{
-    return FileSpec::plain(QStringLiteral("file"), content);
-}
-
-FileSpec flate(const QByteArray& content)
-{
-    return FileSpec::flate(QStringLiteral("file"), content);
-}
-
-FileSpec storedAs(FileSpec file, const QByteArray& stored)
-{
-    file.stored = stored;
-    return file;
-}
-
-/// The stream of @p content with one bit of its checksum wrong.
-QByteArray withWrongChecksum(const QByteArray& content)
-{
-    QByteArray stream = deflated(content);
-    stream[stream.size() - 1] = static_cast<char>(stream.at(stream.size() - 1) ^ 1);
-    return stream;
-}
-
-} // namespace
+using tresktest::withWrongChecksum;
 
 Q_DECLARE_METATYPE(tresktest::FileSpec)
 
 /// What fails, what is said of it, and how the queue goes on.
-class TestExtractionQueueFaults : public QObject {
+class TestExtractionQueueFaults : public QObject, protected QueueDocuments {
     Q_OBJECT
 
 private Q_SLOTS:
@@ -93,36 +60,23 @@ private Q_SLOTS:
     void pathWithPlaceholders();
 
 private:
-    bool open(const QVector<FileSpec>& files)
-    {
-        DocumentWriter doc;
-        doc.writeHeader();
-        for (const FileSpec& file : files)
-            doc.writeFile(file);
-        return m_parser.open(m_dir.write(QStringLiteral("document"), doc.bytes()))
-            && m_parser.getNumFiles() == files.size();
-    }
-    QString target(int id) const { return m_dir.path(QStringLiteral("target %1").arg(id)); }
     QString unwritable() const { return m_dir.path(QStringLiteral("missing/target")); }
-
-    TestDir m_dir;
-    TreskParser m_parser;
 };
 
 void TestExtractionQueueFaults::notReadable_data()
 {
     QTest::addColumn<FileSpec>("file");
     const QByteArray largest = QByteArray::number(std::numeric_limits<int>::max());
-    QTest::newRow("size beyond the document") << plain(text).with("filesize", "1000");
-    QTest::newRow("largest size") << plain(text).with("filesize", largest);
-    QTest::newRow("no size") << plain(text).with("filesize", "");
+    QTest::newRow("size beyond the document") << plain(twoLines).with("filesize", "1000");
+    QTest::newRow("largest size") << plain(twoLines).with("filesize", largest);
+    QTest::newRow("no size") << plain(twoLines).with("filesize", "");
     QTest::newRow("no size, no content") << plain("").with("filesize", "");
-    QTest::newRow("start outside the document") << plain(text).with("offset", "100000");
-    QTest::newRow("start beyond the range of int") << plain(text).with("offset", largest);
+    QTest::newRow("start outside the document") << plain(twoLines).with("offset", "100000");
+    QTest::newRow("start beyond the range of int") << plain(twoLines).with("offset", largest);
     QTest::newRow("largest offset and size")
-        << plain(text).with("offset", largest).with("filesize", largest);
-    QTest::newRow("stored size beyond the document") << flate(text).with("cfilesize", "1000");
-    QTest::newRow("no stored size") << flate(text).with("cfilesize", "");
+        << plain(twoLines).with("offset", largest).with("filesize", largest);
+    QTest::newRow("stored size beyond the document") << flate(twoLines).with("cfilesize", "1000");
+    QTest::newRow("no stored size") << flate(twoLines).with("cfilesize", "");
 }
 
 void TestExtractionQueueFaults::notReadable()
@@ -158,10 +112,10 @@ void TestExtractionQueueFaults::notReadableFromTheSecondBlock()
 void TestExtractionQueueFaults::damagedStream_data()
 {
     QTest::addColumn<QByteArray>("stored");
-    QTest::newRow("no stream") << text;
+    QTest::newRow("no stream") << twoLines;
     QTest::newRow("two bytes") << QByteArray("xx");
-    QTest::newRow("wrong checksum") << withWrongChecksum(text);
-    QTest::newRow("raw deflate data") << deflated(text).mid(2).chopped(4);
+    QTest::newRow("wrong checksum") << withWrongChecksum(twoLines);
+    QTest::newRow("raw deflate data") << deflated(twoLines).mid(2).chopped(4);
     QTest::newRow("fault behind 3 MB") << withWrongChecksum(QByteArray(3000000, 'x'));
 }
 
@@ -169,7 +123,7 @@ void TestExtractionQueueFaults::damagedStream()
 {
     // Of the block with the fault nothing is written, however late in it the fault is.
     QFETCH(QByteArray, stored);
-    QVERIFY(open({storedAs(flate(text), stored)}));
+    QVERIFY(open({storedAs(flate(twoLines), stored)}));
     ExtractionQueue queue(&m_parser);
     QueueEvents events(queue);
     queue.addExtractees({{0, target(0)}});
@@ -212,7 +166,7 @@ void TestExtractionQueueFaults::notWritable()
 {
     QFETCH(QString, path);
     const MessageCapture quiet;
-    QVERIFY(open({plain(counted(150000)), flate(text)}));
+    QVERIFY(open({plain(counted(150000)), flate(twoLines)}));
     ExtractionQueue queue(&m_parser);
     QueueEvents events(queue);
     queue.addExtractees({{0, path}, {1, path}});
@@ -237,8 +191,8 @@ void TestExtractionQueueFaults::emptyFileIsNotWritable()
 void TestExtractionQueueFaults::firstFaultIsReported()
 {
     const MessageCapture quiet;
-    QVERIFY(
-        open({storedAs(flate(text), text), storedAs(flate(text), text).with("offset", "99999")}));
+    QVERIFY(open({storedAs(flate(twoLines), twoLines),
+                  storedAs(flate(twoLines), twoLines).with("offset", "99999")}));
     ExtractionQueue queue(&m_parser);
     QueueEvents events(queue);
     queue.addExtractees({{0, unwritable()}, {1, unwritable()}});
@@ -254,8 +208,8 @@ void TestExtractionQueueFaults::nextFileIsExtracted()
 {
     const MessageCapture quiet;
     const QByteArray content = counted(150000);
-    QVERIFY(open({storedAs(flate(text), text), plain(text).with("filesize", "900000"), plain(text),
-                  flate(content)}));
+    QVERIFY(open({storedAs(flate(twoLines), twoLines), plain(twoLines).with("filesize", "900000"),
+                  plain(twoLines), flate(content)}));
     ExtractionQueue queue(&m_parser);
     QueueEvents events(queue);
     queue.addExtractees({{0, target(0)}, {1, target(1)}, {2, unwritable()}, {3, target(3)}});
@@ -281,7 +235,7 @@ void TestExtractionQueueFaults::restOfAFailedFileCounts()
 
 void TestExtractionQueueFaults::lastFailureLeavesTheTotals()
 {
-    QVERIFY(open({plain(text), storedAs(flate(text), text)}));
+    QVERIFY(open({plain(twoLines), storedAs(flate(twoLines), twoLines)}));
     ExtractionQueue queue(&m_parser);
     QueueEvents events(queue);
     queue.addExtractees({{0, target(0)}, {1, target(1)}});
@@ -310,7 +264,7 @@ void TestExtractionQueueFaults::addedAfterTheLastFailure()
 
 void TestExtractionQueueFaults::cancelAfterTheLastFailure()
 {
-    QVERIFY(open({storedAs(flate(text), text)}));
+    QVERIFY(open({storedAs(flate(twoLines), twoLines)}));
     ExtractionQueue queue(&m_parser);
     QueueEvents events(queue);
     queue.addExtractees({{0, target(0)}});
@@ -321,7 +275,7 @@ void TestExtractionQueueFaults::cancelAfterTheLastFailure()
 
 void TestExtractionQueueFaults::onlyFailures()
 {
-    QVERIFY(open({storedAs(flate(text), text), storedAs(flate(text), text)}));
+    QVERIFY(open({storedAs(flate(twoLines), twoLines), storedAs(flate(twoLines), twoLines)}));
     ExtractionQueue queue(&m_parser);
     QueueEvents events(queue);
     queue.addExtractees({{0, target(0)}, {1, target(1)}});
@@ -331,7 +285,7 @@ void TestExtractionQueueFaults::onlyFailures()
 
 void TestExtractionQueueFaults::cancelInSlot()
 {
-    QVERIFY(open({storedAs(flate(text), text), plain(text)}));
+    QVERIFY(open({storedAs(flate(twoLines), twoLines), plain(twoLines)}));
     ExtractionQueue queue(&m_parser);
     QueueEvents events(queue);
     connect(&queue, &ExtractionQueue::fileProcessed, &queue, &ExtractionQueue::cancelExtraction);
@@ -346,7 +300,7 @@ void TestExtractionQueueFaults::pathWithPlaceholders()
 {
     const MessageCapture quiet;
     const QString path = unwritable() + QStringLiteral("100%1%2");
-    QVERIFY(open({plain(text)}));
+    QVERIFY(open({plain(twoLines)}));
     ExtractionQueue queue(&m_parser);
     QueueEvents events(queue);
     queue.addExtractees({{0, path}});

@@ -1,4 +1,5 @@
 #include "DocumentWriter.h"
+#include "EmbeddedFiles.h"
 #include "TestFiles.h"
 
 #include <tresk/TreskParser.h>
@@ -9,6 +10,7 @@ using tresk::FileTag;
 using tresk::TreskParser;
 using tresktest::DocumentWriter;
 using tresktest::FileSpec;
+using tresktest::newDocument;
 using tresktest::SectionSpec;
 using tresktest::TestDir;
 using tresktest::WrittenFile;
@@ -18,13 +20,6 @@ namespace {
 FileSpec named(const char* name, const QByteArray& content = "content")
 {
     return FileSpec::plain(QString::fromLatin1(name), content);
-}
-
-DocumentWriter newDocument()
-{
-    DocumentWriter doc("%PDF-1.4\n");
-    doc.writeHeader();
-    return doc;
 }
 
 /// A document with one section and two files.

@@ -1,4 +1,5 @@
 #include "DocumentWriter.h"
+#include "EmbeddedFiles.h"
 
 #include <tresk/Inflater.h>
 
@@ -7,18 +8,12 @@
 
 using tresk::Inflater;
 using tresktest::deflated;
+using tresktest::withWrongChecksum;
 
 namespace {
 
 const QByteArray text = "The content of a file, the content of a file, and its end.\n";
 const int bufferSize = 1024 * 1024;
-
-QByteArray withWrongChecksum(const QByteArray& content)
-{
-    QByteArray stream = deflated(content);
-    stream[stream.size() - 1] = static_cast<char>(stream.at(stream.size() - 1) ^ 1);
-    return stream;
-}
 
 QByteArray randomContent(int size)
 {

@@ -1,4 +1,5 @@
 #include "DocumentWriter.h"
+#include "EmbeddedFiles.h"
 #include "TestFiles.h"
 
 #include <tresk/TreskParser.h>
@@ -12,6 +13,7 @@ using tresk::SectionTag;
 using tresk::TreskParser;
 using tresktest::DocumentWriter;
 using tresktest::FileSpec;
+using tresktest::newDocument;
 using tresktest::SectionSpec;
 using tresktest::TestDir;
 using tresktest::WrittenFile;
@@ -52,13 +54,6 @@ QMap<QByteArray, QString> valuesOf(const FileTag& file)
             {"offset", QString::number(file.offset)},
             {"md5file", file.md5file},
             {"md5cfile", file.md5cfile}};
-}
-
-DocumentWriter newDocument()
-{
-    DocumentWriter doc("%PDF-1.4\n");
-    doc.writeHeader();
-    return doc;
 }
 
 /// A document with one section and one file, to be damaged as text.

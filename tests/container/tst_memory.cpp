@@ -14,7 +14,6 @@
 
 #include <sys/resource.h>
 
-using tresk::ParseTolerant;
 using tresk::TreskParser;
 using tresktest::DocumentWriter;
 using tresktest::FileSpec;

@@ -62,6 +62,16 @@ QByteArray withRegionAtMarker(const QByteArray& document, QRandomGenerator& rand
     return doc.bytes();
 }
 
+/// Calls process() of both so many times and adds what it returns to their events.
+template <typename Queue, typename Model>
+void processBoth(Queue& queue, QueueEvents& events, Model& model, int steps)
+{
+    for (; steps > 0; --steps) {
+        events.add(QString::number(static_cast<int>(queue.process())));
+        model.add(QString::number(static_cast<int>(model.process())));
+    }
+}
+
 /// A document whose files take a few steps to extract, some of them damaged.
 QByteArray largeDocument(QRandomGenerator& random)
 {
@@ -116,6 +126,8 @@ private:
         DocumentView view;
     };
 
+    static TreskParser* parserOf(Opened* opened) { return opened ? &opened->parser : nullptr; }
+    static DocumentView* viewOf(Opened* opened) { return opened ? &opened->view : nullptr; }
     static void seeds(quint32 count)
     {
         QTest::addColumn<quint32>("seed");
@@ -177,8 +189,6 @@ void TestQueuesRandom::compareValidation(QRandomGenerator& random)
     openRandom(first, random);
     openRandom(second, random);
     Opened* current = random.bounded(10) == 0 ? nullptr : &first;
-    const auto parserOf = [](Opened* opened) { return opened ? &opened->parser : nullptr; };
-    const auto viewOf = [](Opened* opened) { return opened ? &opened->view : nullptr; };
 
     static const QList<int> blockSizes = {-3, 0, 1, 7, 20, 64, 99, 100, 1000, largest};
     const int blockSize = oneOf(random, blockSizes);
@@ -220,10 +230,7 @@ void TestQueuesRandom::compareValidation(QRandomGenerator& random)
             break;
         }
         default:
-            for (int steps = random.bounded(1, 12); steps > 0; --steps) {
-                events.add(QString::number(static_cast<int>(queue.process())));
-                model.add(QString::number(static_cast<int>(model.process())));
-            }
+            processBoth(queue, events, model, random.bounded(1, 12));
             break;
         }
         QCOMPARE(events.take(), model.take());
@@ -255,8 +262,6 @@ QHash<int, QString> TestQueuesRandom::randomTargets(QRandomGenerator& random, in
 
 void TestQueuesRandom::compareExtraction(QRandomGenerator& random, Opened& first, Opened& second)
 {
-    const auto parserOf = [](Opened* opened) { return opened ? &opened->parser : nullptr; };
-    const auto viewOf = [](Opened* opened) { return opened ? &opened->view : nullptr; };
     m_targetFolder = QStringLiteral("targets %1").arg(m_targetFolders++);
     QVERIFY(QDir(m_dir.path(QString())).mkdir(m_targetFolder));
     Opened* current = &first;
@@ -285,10 +290,7 @@ void TestQueuesRandom::compareExtraction(QRandomGenerator& random, Opened& first
             break;
         }
         default:
-            for (int steps = random.bounded(1, 6); steps > 0; --steps) {
-                events.add(QString::number(static_cast<int>(queue.process())));
-                model.add(QString::number(static_cast<int>(model.process())));
-            }
+            processBoth(queue, events, model, random.bounded(1, 6));
             break;
         }
         QCOMPARE(events.take(), model.take());

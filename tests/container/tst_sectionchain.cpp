@@ -1,4 +1,5 @@
 #include "DocumentWriter.h"
+#include "EmbeddedFiles.h"
 #include "TestFiles.h"
 
 #include <tresk/TreskParser.h>
@@ -8,6 +9,7 @@
 using tresk::SectionTag;
 using tresk::TreskParser;
 using tresktest::DocumentWriter;
+using tresktest::newDocument;
 using tresktest::SectionSpec;
 using tresktest::TestDir;
 using tresktest::WrittenSection;
@@ -19,13 +21,6 @@ SectionSpec titled(const char* title)
     SectionSpec section;
     section.title = QString::fromLatin1(title);
     return section;
-}
-
-DocumentWriter newDocument()
-{
-    DocumentWriter doc("%PDF-1.4\n");
-    doc.writeHeader();
-    return doc;
 }
 
 /// @p count lines of ten bytes.

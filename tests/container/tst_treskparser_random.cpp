@@ -11,7 +11,6 @@
 #include <QTest>
 
 using tresk::FileTag;
-using tresk::ParseMode;
 using tresk::SectionTag;
 using tresk::TreskParser;
 using tresktest::isWatched;

@@ -1,6 +1,6 @@
 #include "DocumentWriter.h"
+#include "QueueDocuments.h"
 #include "QueueEvents.h"
-#include "TestFiles.h"
 
 #include <tresk/TreskParser.h>
 #include <tresk/ValidationQueue.h>
@@ -10,18 +10,18 @@
 #include <limits>
 
 using tresk::SavedFile;
-using tresk::TreskParser;
 using tresk::ValidationQueue;
 using tresktest::DocumentWriter;
-using tresktest::FileSpec;
+using tresktest::fileOf;
 using tresktest::finish;
 using tresktest::md5Hex;
 using tresktest::percentages;
 using tresktest::percentEvent;
+using tresktest::QueueDocuments;
 using tresktest::QueueEvents;
 using tresktest::SectionSpec;
 using tresktest::step;
-using tresktest::TestDir;
+using tresktest::titled;
 using tresktest::verdicts;
 
 namespace {
@@ -29,22 +29,10 @@ namespace {
 const int smallest = std::numeric_limits<int>::min();
 const int largest = std::numeric_limits<int>::max();
 
-FileSpec plain(const char* name, int size)
-{
-    return FileSpec::plain(QString::fromLatin1(name), QByteArray(size, 'x'));
-}
-
-SectionSpec titled(const char* title)
-{
-    SectionSpec section;
-    section.title = QString::fromLatin1(title);
-    return section;
-}
-
 } // namespace
 
 /// What is queued, and in which order.
-class TestValidationQueue : public QObject {
+class TestValidationQueue : public QObject, protected QueueDocuments {
     Q_OBJECT
 
 private Q_SLOTS:
@@ -56,23 +44,6 @@ private Q_SLOTS:
     void chosenTwice();
     void savedFiles();
     void documentAndSavedFiles();
-
-private:
-    bool open(const DocumentWriter& doc)
-    {
-        return m_parser.open(m_dir.write(QStringLiteral("document"), doc.bytes()));
-    }
-    bool open(const QVector<FileSpec>& files)
-    {
-        DocumentWriter doc;
-        doc.writeHeader();
-        for (const FileSpec& file : files)
-            doc.writeFile(file);
-        return open(doc) && m_parser.getNumFiles() == files.size();
-    }
-
-    TestDir m_dir;
-    TreskParser m_parser;
 };
 
 void TestValidationQueue::emptyQueue()
@@ -89,11 +60,11 @@ void TestValidationQueue::sectionsThenFiles()
     DocumentWriter doc;
     doc.writeHeader();
     SectionSpec first = titled("first");
-    first.files = {plain("a", 10)};
+    first.files = {fileOf("a", 10)};
     doc.writeSection(first);
     doc.writeSection(titled("second"));
     SectionSpec third = titled("third");
-    third.files = {plain("b", 20)};
+    third.files = {fileOf("b", 20)};
     doc.writeSection(third);
     QVERIFY(open(doc));
 
@@ -115,7 +86,7 @@ void TestValidationQueue::names()
     DocumentWriter doc;
     doc.writeHeader();
     SectionSpec untitled;
-    untitled.files = {plain("b]c\\d", 10)};
+    untitled.files = {fileOf("b]c\\d", 10)};
     doc.writeSection(untitled);
     doc.writeSection(titled("a]\nb"));
     QVERIFY(open(doc));
@@ -164,9 +135,9 @@ void TestValidationQueue::chosenIds()
     DocumentWriter doc;
     doc.writeHeader();
     SectionSpec section = titled("step");
-    section.files = {plain("a", 10)};
+    section.files = {fileOf("a", 10)};
     doc.writeSection(section);
-    section.files = {plain("b", 10), plain("c", 10)};
+    section.files = {fileOf("b", 10), fileOf("c", 10)};
     doc.writeSection(section);
     QVERIFY(open(doc));
     ValidationQueue queue(&m_parser, 0);
@@ -177,7 +148,7 @@ void TestValidationQueue::chosenIds()
 
 void TestValidationQueue::chosenTwice()
 {
-    QVERIFY(open({plain("a", 10)}));
+    QVERIFY(open({fileOf("a", 10)}));
     ValidationQueue queue(&m_parser, 0);
     QueueEvents events(queue);
     queue.addValidatees({0}, {});
@@ -211,7 +182,7 @@ void TestValidationQueue::savedFiles()
 
 void TestValidationQueue::documentAndSavedFiles()
 {
-    QVERIFY(open({plain("a", 60)}));
+    QVERIFY(open({fileOf("a", 60)}));
     const QString path = m_dir.write(QStringLiteral("saved"), QByteArray(40, 'y'));
     const QString md5 = QString::fromLatin1(md5Hex(QByteArray(40, 'y')));
     ValidationQueue queue(&m_parser, 0);

@@ -1,4 +1,5 @@
 #include "DocumentWriter.h"
+#include "EmbeddedFiles.h"
 #include "QueueEvents.h"
 #include "TestFiles.h"
 
@@ -17,31 +18,18 @@ using tresktest::deflated;
 using tresktest::DocumentWriter;
 using tresktest::FileSpec;
 using tresktest::finish;
+using tresktest::flate;
 using tresktest::md5Hex;
+using tresktest::plain;
 using tresktest::QueueEvents;
+using tresktest::storedAs;
 using tresktest::TestDir;
+using tresktest::twoLines;
 using tresktest::verdicts;
 
 namespace {
 
-const QByteArray text = "The content of a file.\nIts second line.\n";
 const int largest = std::numeric_limits<int>::max();
-
-FileSpec plain(const QByteArray& content)
-{
-    return FileSpec::plain(QStringLiteral("file"), content);
-}
-
-FileSpec flate(const QByteArray& content)
-{
-    return FileSpec::flate(QStringLiteral("file"), content);
-}
-
-FileSpec storedAs(FileSpec file, const QByteArray& stored)
-{
-    file.stored = stored;
-    return file;
-}
 
 /// Bytes that do not compress.
 QByteArray noise(int size)
@@ -107,27 +95,27 @@ void TestValidationQueueContent::validFiles_data()
 {
     QTest::addColumn<FileSpec>("file");
     const QByteArray random = noise(1000);
-    QTest::newRow("plain") << plain(text);
+    QTest::newRow("plain") << plain(twoLines);
     QTest::newRow("plain, binary") << plain(random);
     QTest::newRow("plain, empty") << plain("");
-    QTest::newRow("flate") << flate(text);
+    QTest::newRow("flate") << flate(twoLines);
     QTest::newRow("flate, binary") << flate(random);
     QTest::newRow("flate, empty") << flate("");
     QTest::newRow("flate, 5 MB") << flate(QByteArray(5000000, 'x'));
     QTest::newRow("flate, bytes behind the stream")
-        << storedAs(flate(text), deflated(text) + random);
-    QTest::newRow("plain, other stored size") << plain(text).with("cfilesize", "1");
+        << storedAs(flate(twoLines), deflated(twoLines) + random);
+    QTest::newRow("plain, other stored size") << plain(twoLines).with("cfilesize", "1");
     QTest::newRow("plain, digest of stored bytes")
-        << plain(text).with("md5cfile", QByteArray(32, 'a'));
-    QTest::newRow("flate, other size") << flate(text).with("filesize", "1");
-    QTest::newRow("flate, no size") << flate(text).with("filesize", "");
+        << plain(twoLines).with("md5cfile", QByteArray(32, 'a'));
+    QTest::newRow("flate, other size") << flate(twoLines).with("filesize", "1");
+    QTest::newRow("flate, no size") << flate(twoLines).with("filesize", "");
     QTest::newRow("unknown compression, stored as it is")
-        << plain(text).with("compression", "gzip");
+        << plain(twoLines).with("compression", "gzip");
     QTest::newRow("flate without digest of stored bytes counts as plain")
-        << storedAs(plain(text), deflated(text))
+        << storedAs(plain(twoLines), deflated(twoLines))
                .with("compression", "flate")
-               .with("md5file", md5Hex(deflated(text)));
-    FileSpec named = flate(text);
+               .with("md5file", md5Hex(deflated(twoLines)));
+    FileSpec named = flate(twoLines);
     named.filename = QString(50, QChar(0x6587));
     QTest::newRow("name that is not ASCII") << named;
     // Nothing is what these read.
@@ -152,49 +140,53 @@ void TestValidationQueueContent::invalidFiles_data()
 {
     QTest::addColumn<FileSpec>("file");
     const QByteArray other(32, 'a');
-    QByteArray wrongChecksum = deflated(text);
+    QByteArray wrongChecksum = deflated(twoLines);
     wrongChecksum[wrongChecksum.size() - 1] = static_cast<char>(
         wrongChecksum.at(wrongChecksum.size() - 1) ^ 1);
-    const auto length = static_cast<int>(text.size());
-    QTest::newRow("plain, wrong digest") << plain(text).with("md5file", other);
-    QTest::newRow("plain, no digest") << plain(text).with("md5file", "");
+    const auto length = static_cast<int>(twoLines.size());
+    QTest::newRow("plain, wrong digest") << plain(twoLines).with("md5file", other);
+    QTest::newRow("plain, no digest") << plain(twoLines).with("md5file", "");
     QTest::newRow("plain, no digest, empty") << plain("").with("md5file", "");
-    QTest::newRow("plain, other content") << storedAs(plain(text), QByteArray(length, 'x'));
-    QTest::newRow("plain, size one too small") << plain(text).with("filesize", number(length - 1));
-    QTest::newRow("plain, size one too large") << plain(text).with("filesize", number(length + 1));
-    QTest::newRow("plain, size 0") << plain(text).with("filesize", "0");
-    QTest::newRow("plain, no size") << plain(text).with("filesize", "");
-    QTest::newRow("plain, wrong offset") << plain(text).with("offset", "2");
-    QTest::newRow("plain, no offset") << plain(text).with("offset", "");
-    QTest::newRow("plain, start outside the document") << plain(text).with("offset", "100000");
+    QTest::newRow("plain, other content") << storedAs(plain(twoLines), QByteArray(length, 'x'));
+    QTest::newRow("plain, size one too small")
+        << plain(twoLines).with("filesize", number(length - 1));
+    QTest::newRow("plain, size one too large")
+        << plain(twoLines).with("filesize", number(length + 1));
+    QTest::newRow("plain, size 0") << plain(twoLines).with("filesize", "0");
+    QTest::newRow("plain, no size") << plain(twoLines).with("filesize", "");
+    QTest::newRow("plain, wrong offset") << plain(twoLines).with("offset", "2");
+    QTest::newRow("plain, no offset") << plain(twoLines).with("offset", "");
+    QTest::newRow("plain, start outside the document") << plain(twoLines).with("offset", "100000");
     QTest::newRow("plain, start beyond the range of int")
-        << plain(text).with("offset", number(largest));
-    QTest::newRow("plain, size beyond the document") << plain(text).with("filesize", "100000");
-    QTest::newRow("plain, largest size") << plain(text).with("filesize", number(largest));
+        << plain(twoLines).with("offset", number(largest));
+    QTest::newRow("plain, size beyond the document") << plain(twoLines).with("filesize", "100000");
+    QTest::newRow("plain, largest size") << plain(twoLines).with("filesize", number(largest));
     // Nothing can be read, but that is not what these are said to hold.
     QTest::newRow("size beyond the document, digest of nothing")
         << plain("").with("filesize", "100000");
     QTest::newRow("largest offset and size, digest of nothing")
         << plain("").with("offset", number(largest)).with("filesize", number(largest));
-    QTest::newRow("flate, wrong digest") << flate(text).with("md5file", other);
-    QTest::newRow("flate, no digest") << flate(text).with("md5file", "");
-    QTest::newRow("flate, wrong digest of stored bytes") << flate(text).with("md5cfile", other);
-    QTest::newRow("flate, no digest of stored bytes") << flate(text).with("md5cfile", "");
-    QTest::newRow("flate, digests exchanged")
-        << flate(text).with("md5file", md5Hex(deflated(text))).with("md5cfile", md5Hex(text));
-    QTest::newRow("flate, no stream") << storedAs(flate(text), text);
-    QTest::newRow("flate, no stream, no content") << storedAs(flate(""), text);
+    QTest::newRow("flate, wrong digest") << flate(twoLines).with("md5file", other);
+    QTest::newRow("flate, no digest") << flate(twoLines).with("md5file", "");
+    QTest::newRow("flate, wrong digest of stored bytes") << flate(twoLines).with("md5cfile", other);
+    QTest::newRow("flate, no digest of stored bytes") << flate(twoLines).with("md5cfile", "");
+    QTest::newRow("flate, digests exchanged") << flate(twoLines)
+                                                     .with("md5file", md5Hex(deflated(twoLines)))
+                                                     .with("md5cfile", md5Hex(twoLines));
+    QTest::newRow("flate, no stream") << storedAs(flate(twoLines), twoLines);
+    QTest::newRow("flate, no stream, no content") << storedAs(flate(""), twoLines);
     QTest::newRow("flate, nothing stored") << storedAs(flate(""), "");
-    QTest::newRow("flate, wrong checksum") << storedAs(flate(text), wrongChecksum);
-    QTest::newRow("flate, truncated") << storedAs(flate(text), deflated(text).chopped(1));
-    QTest::newRow("flate, no checksum") << storedAs(flate(text), deflated(text).chopped(4));
+    QTest::newRow("flate, wrong checksum") << storedAs(flate(twoLines), wrongChecksum);
+    QTest::newRow("flate, truncated") << storedAs(flate(twoLines), deflated(twoLines).chopped(1));
+    QTest::newRow("flate, no checksum") << storedAs(flate(twoLines), deflated(twoLines).chopped(4));
     QTest::newRow("flate, raw deflate data")
-        << storedAs(flate(text), deflated(text).mid(2).chopped(4));
-    QTest::newRow("flate, stored size 0") << flate(text).with("cfilesize", "0");
-    QTest::newRow("flate, no stored size") << flate(text).with("cfilesize", "");
-    QTest::newRow("flate, largest stored size") << flate(text).with("cfilesize", number(largest));
+        << storedAs(flate(twoLines), deflated(twoLines).mid(2).chopped(4));
+    QTest::newRow("flate, stored size 0") << flate(twoLines).with("cfilesize", "0");
+    QTest::newRow("flate, no stored size") << flate(twoLines).with("cfilesize", "");
+    QTest::newRow("flate, largest stored size")
+        << flate(twoLines).with("cfilesize", number(largest));
     QTest::newRow("unknown compression, compressed")
-        << storedAs(plain(text), deflated(text)).with("compression", "Flate");
+        << storedAs(plain(twoLines), deflated(twoLines)).with("compression", "Flate");
 }
 
 void TestValidationQueueContent::invalidFiles()
@@ -226,22 +218,22 @@ void TestValidationQueueContent::savedFiles_data()
     QTest::addColumn<int>("size");
     QTest::addColumn<QByteArray>("md5");
     QTest::addColumn<bool>("valid");
-    const auto length = static_cast<int>(text.size());
-    const QByteArray md5 = md5Hex(text);
-    QTest::newRow("right") << text << length << md5 << true;
+    const auto length = static_cast<int>(twoLines.size());
+    const QByteArray md5 = md5Hex(twoLines);
+    QTest::newRow("right") << twoLines << length << md5 << true;
     QTest::newRow("empty") << QByteArray() << 0 << md5Hex("") << true;
-    QTest::newRow("wrong digest") << text << length << QByteArray(32, 'a') << false;
-    QTest::newRow("no digest") << text << length << QByteArray() << false;
-    QTest::newRow("digest in upper case") << text << length << md5.toUpper() << false;
-    QTest::newRow("zlib streams are not decoded") << deflated(text) << length << md5 << false;
-    QTest::newRow("more than the size") << text + "rest" << length << md5 << true;
-    QTest::newRow("less than the size") << text.chopped(1) << length << md5 << false;
-    QTest::newRow("less than the size, its digest") << text << length + 50 << md5 << true;
-    QTest::newRow("size 0") << text << 0 << md5 << false;
-    QTest::newRow("size 0, digest of nothing") << text << 0 << md5Hex("") << true;
-    QTest::newRow("size -1") << text << -1 << md5 << false;
-    QTest::newRow("size -1, digest of nothing") << text << -1 << md5Hex("") << true;
-    QTest::newRow("smallest size") << text << std::numeric_limits<int>::min() << md5 << false;
+    QTest::newRow("wrong digest") << twoLines << length << QByteArray(32, 'a') << false;
+    QTest::newRow("no digest") << twoLines << length << QByteArray() << false;
+    QTest::newRow("digest in upper case") << twoLines << length << md5.toUpper() << false;
+    QTest::newRow("zlib streams are not decoded") << deflated(twoLines) << length << md5 << false;
+    QTest::newRow("more than the size") << twoLines + "rest" << length << md5 << true;
+    QTest::newRow("less than the size") << twoLines.chopped(1) << length << md5 << false;
+    QTest::newRow("less than the size, its digest") << twoLines << length + 50 << md5 << true;
+    QTest::newRow("size 0") << twoLines << 0 << md5 << false;
+    QTest::newRow("size 0, digest of nothing") << twoLines << 0 << md5Hex("") << true;
+    QTest::newRow("size -1") << twoLines << -1 << md5 << false;
+    QTest::newRow("size -1, digest of nothing") << twoLines << -1 << md5Hex("") << true;
+    QTest::newRow("smallest size") << twoLines << std::numeric_limits<int>::min() << md5 << false;
 }
 
 void TestValidationQueueContent::savedFiles()

@@ -1,5 +1,5 @@
-#include "DocumentWriter.h"
 #include "MessageCapture.h"
+#include "QueueDocuments.h"
 #include "QueueEvents.h"
 #include "TestFiles.h"
 
@@ -11,43 +11,20 @@
 #include <memory>
 
 using tresk::SavedFile;
-using tresk::TreskParser;
 using tresk::ValidationQueue;
-using tresktest::DocumentWriter;
-using tresktest::FileSpec;
 using tresktest::finish;
 using tresktest::isOpen;
-using tresktest::md5Hex;
+using tresktest::nothingLeft;
 using tresktest::percentages;
 using tresktest::QueueEvents;
-using tresktest::SectionSpec;
 using tresktest::step;
 using tresktest::steps;
-using tresktest::TestDir;
+using tresktest::timeLogged;
+using tresktest::ValidatedDocuments;
 using tresktest::verdicts;
 
-namespace {
-
-const QString timeLogged = QStringLiteral("log 0 validation finished: TIME");
-const QString nothingLeft = QStringLiteral("percent -2147483648  | done");
-
-QByteArray pattern(int size)
-{
-    QByteArray bytes;
-    for (int i = 0; i < size; ++i)
-        bytes += static_cast<char>(i * i % 251);
-    return bytes;
-}
-
-FileSpec plain(const char* name, int size)
-{
-    return FileSpec::plain(QString::fromLatin1(name), pattern(size));
-}
-
-} // namespace
-
 /// Emptying and filling a queue while it works, and the time that it logs.
-class TestValidationQueueControl : public QObject {
+class TestValidationQueueControl : public QObject, protected ValidatedDocuments {
     Q_OBJECT
 
 private Q_SLOTS:
@@ -70,36 +47,11 @@ private Q_SLOTS:
     void addInSlot();
     void addInLastPercentage();
     void repopulateInSlot();
-
-private:
-    SavedFile saved(int size) const
-    {
-        const QString path = m_dir.write(QStringLiteral("saved %1").arg(size),
-                                         QByteArray(size, 's'));
-        return {path, QString::fromLatin1(md5Hex(QByteArray(size, 's'))), size};
-    }
-
-    TestDir m_dir;
-    TreskParser m_parser; // files of 25, 40 and 25 bytes, of which a and c are alike; one section
-    TreskParser m_other; // one file
 };
 
 void TestValidationQueueControl::initTestCase()
 {
-    DocumentWriter doc;
-    doc.writeHeader();
-    SectionSpec section;
-    section.title = QStringLiteral("step");
-    section.files = {plain("a", 25), FileSpec::flate(QStringLiteral("b"), pattern(40))};
-    section.filesBehind = {plain("c", 25)};
-    doc.writeSection(section);
-    QVERIFY(m_parser.open(m_dir.write(QStringLiteral("document"), doc.bytes())));
-    QCOMPARE(m_parser.getNumFiles(), 3);
-
-    DocumentWriter other;
-    other.writeHeader();
-    other.writeFile(plain("d", 10));
-    QVERIFY(m_other.open(m_dir.write(QStringLiteral("other"), other.bytes())));
+    QVERIFY(openBoth());
 }
 
 void TestValidationQueueControl::cancelAtAnyStep()

@@ -1,6 +1,6 @@
 #include "DocumentWriter.h"
+#include "QueueDocuments.h"
 #include "QueueEvents.h"
-#include "TestFiles.h"
 
 #include <tresk/TreskParser.h>
 #include <tresk/ValidationQueue.h>
@@ -11,16 +11,17 @@
 #include <limits>
 
 using tresk::SavedFile;
-using tresk::TreskParser;
 using tresk::ValidationQueue;
 using tresktest::DocumentWriter;
+using tresktest::fileOf;
 using tresktest::FileSpec;
 using tresktest::finish;
 using tresktest::percentages;
+using tresktest::QueueDocuments;
 using tresktest::QueueEvents;
 using tresktest::SectionSpec;
 using tresktest::step;
-using tresktest::TestDir;
+using tresktest::titled;
 using tresktest::verdicts;
 using tresktest::WrittenSection;
 
@@ -28,18 +29,6 @@ namespace {
 
 const int smallest = std::numeric_limits<int>::min();
 const int largest = std::numeric_limits<int>::max();
-
-FileSpec plain(const char* name, int size)
-{
-    return FileSpec::plain(QString::fromLatin1(name), QByteArray(size, 'x'));
-}
-
-SectionSpec titled(const char* title)
-{
-    SectionSpec section;
-    section.title = QString::fromLatin1(title);
-    return section;
-}
 
 /// What is reported after each of @p counts bytes, of which there are @p total.
 QList<int> shares(const QList<int>& counts, int total)
@@ -67,7 +56,7 @@ QList<int> blocks(int length, int blockSize)
 Q_DECLARE_METATYPE(tresktest::SectionSpec)
 
 /// How an entry is cut into steps, and what is reported as finished after each.
-class TestValidationQueueProgress : public QObject {
+class TestValidationQueueProgress : public QObject, protected QueueDocuments {
     Q_OBJECT
 
 private Q_SLOTS:
@@ -89,23 +78,6 @@ private Q_SLOTS:
     void outsideTheRangeOfInt();
     void sumsBeyondTheRangeOfInt();
     void roundedTowardsZero();
-
-private:
-    bool open(const DocumentWriter& doc)
-    {
-        return m_parser.open(m_dir.write(QStringLiteral("document"), doc.bytes()));
-    }
-    bool open(const QVector<FileSpec>& files)
-    {
-        DocumentWriter doc;
-        doc.writeHeader();
-        for (const FileSpec& file : files)
-            doc.writeFile(file);
-        return open(doc) && m_parser.getNumFiles() == files.size();
-    }
-
-    TestDir m_dir;
-    TreskParser m_parser;
 };
 
 void TestValidationQueueProgress::fileSteps_data()
@@ -128,7 +100,7 @@ void TestValidationQueueProgress::fileSteps()
     QFETCH(int, size);
     QFETCH(int, blockSize);
     QFETCH(QList<int>, expected);
-    QVERIFY(open({plain("a", size)}));
+    QVERIFY(open({fileOf("a", size)}));
     ValidationQueue queue(&m_parser, blockSize);
     QueueEvents events(queue);
     queue.addValidatees({0}, {});
@@ -149,7 +121,7 @@ void TestValidationQueueProgress::blockSizeBelowOne_data()
 void TestValidationQueueProgress::blockSizeBelowOne()
 {
     QFETCH(int, blockSize);
-    QVERIFY(open({plain("a", 250000)}));
+    QVERIFY(open({fileOf("a", 250000)}));
     ValidationQueue queue(&m_parser, blockSize);
     QueueEvents events(queue);
     queue.addValidatees({0}, {});
@@ -161,7 +133,7 @@ void TestValidationQueueProgress::sectionSteps_data()
     QTest::addColumn<SectionSpec>("section");
     QTest::addColumn<int>("blockSize");
     SectionSpec middle = titled("middle");
-    middle.files = {plain("a", 500)};
+    middle.files = {fileOf("a", 500)};
     middle.trailing = QByteArray(300, '%') + '\n';
     SectionSpec end = middle;
     end.trailing.clear();
@@ -219,7 +191,7 @@ void TestValidationQueueProgress::percentagesNeverDecrease()
     DocumentWriter doc;
     doc.writeHeader();
     SectionSpec section = titled("step");
-    section.files = {plain("a", 300), FileSpec::flate(QStringLiteral("b"), QByteArray(9000, 'b'))};
+    section.files = {fileOf("a", 300), FileSpec::flate(QStringLiteral("b"), QByteArray(9000, 'b'))};
     section.trailing = "%\n";
     doc.writeSection(section);
     doc.writeSection(section);
@@ -246,9 +218,9 @@ void TestValidationQueueProgress::compressedFileCountsStoredBytes()
 void TestValidationQueueProgress::otherFilesCountContentBytes()
 {
     // The stored size of what is not "flate" is never looked at.
-    FileSpec unknown = plain("b", 10);
+    FileSpec unknown = fileOf("b", 10);
     unknown.compression = "gzip";
-    QVERIFY(open({plain("a", 10).with("cfilesize", "3"), unknown.with("cfilesize", "")}));
+    QVERIFY(open({fileOf("a", 10).with("cfilesize", "3"), unknown.with("cfilesize", "")}));
     ValidationQueue queue(&m_parser, 5);
     QueueEvents events(queue);
     queue.addValidatees({0, 1}, {});
@@ -260,7 +232,7 @@ void TestValidationQueueProgress::otherFilesCountContentBytes()
 
 void TestValidationQueueProgress::emptyFiles()
 {
-    QVERIFY(open({plain("a", 0), plain("b", 4), plain("c", 0)}));
+    QVERIFY(open({fileOf("a", 0), fileOf("b", 4), fileOf("c", 0)}));
     ValidationQueue queue(&m_parser, 10);
     QueueEvents events(queue);
     queue.addValidatees({0, 1, 2}, {});
@@ -283,7 +255,7 @@ void TestValidationQueueProgress::savedFileSteps()
 
 void TestValidationQueueProgress::addedWhileRunning()
 {
-    QVERIFY(open({plain("a", 20), plain("b", 30)}));
+    QVERIFY(open({fileOf("a", 20), fileOf("b", 30)}));
     ValidationQueue queue(&m_parser, 10);
     QueueEvents events(queue);
     queue.addValidatees({0}, {});
@@ -298,7 +270,7 @@ void TestValidationQueueProgress::addedWhileRunning()
 
 void TestValidationQueueProgress::totalsAreForgottenAtTheEnd()
 {
-    QVERIFY(open({plain("a", 20), plain("b", 30)}));
+    QVERIFY(open({fileOf("a", 20), fileOf("b", 30)}));
     ValidationQueue queue(&m_parser, 10);
     QueueEvents events(queue);
     queue.addValidatees({1}, {});

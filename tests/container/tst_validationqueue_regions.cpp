@@ -1,4 +1,5 @@
 #include "DocumentWriter.h"
+#include "EmbeddedFiles.h"
 #include "QueueEvents.h"
 #include "TestFiles.h"
 
@@ -12,29 +13,20 @@
 using tresk::TreskParser;
 using tresk::ValidationQueue;
 using tresktest::DocumentWriter;
-using tresktest::FileSpec;
 using tresktest::finish;
+using tresktest::flate;
 using tresktest::md5Hex;
+using tresktest::plain;
 using tresktest::QueueEvents;
 using tresktest::SectionSpec;
 using tresktest::TestDir;
+using tresktest::twoLines;
 using tresktest::verdicts;
 using tresktest::WrittenSection;
 
 namespace {
 
-const QByteArray text = "The content of a file.\nIts second line.\n";
 const int largest = std::numeric_limits<int>::max();
-
-FileSpec plain(const QByteArray& content)
-{
-    return FileSpec::plain(QStringLiteral("file"), content);
-}
-
-FileSpec flate(const QByteArray& content)
-{
-    return FileSpec::flate(QStringLiteral("file"), content);
-}
 
 QByteArray number(qint64 value)
 {
@@ -52,8 +44,8 @@ SectionSpec section()
 SectionSpec aroundMarker()
 {
     SectionSpec spec = section();
-    spec.files = {plain(text)};
-    spec.filesBehind = {flate(text)};
+    spec.files = {plain(twoLines)};
+    spec.filesBehind = {flate(twoLines)};
     spec.trailing = "%behind\n";
     return spec;
 }
@@ -114,10 +106,10 @@ void TestValidationQueueRegions::validSections_data()
     row("marker alone", section());
     row("marker in the middle", aroundMarker());
     SectionSpec spec = section();
-    spec.files = {plain(text), flate(text)};
+    spec.files = {plain(twoLines), flate(twoLines)};
     row("marker at the end", spec);
     spec = section();
-    spec.filesBehind = {plain(text), flate(text)};
+    spec.filesBehind = {plain(twoLines), flate(twoLines)};
     row("marker at the start", spec);
     spec = aroundMarker();
     spec.afterMarker = "text behind the marker";
@@ -197,7 +189,7 @@ void TestValidationQueueRegions::changedByte()
     const auto digest = static_cast<int>(doc.bytes().indexOf(written.md5section));
     const auto title = static_cast<int>(doc.bytes().indexOf("step", written.lineStart));
     const int lineEnd = written.lineStart + static_cast<int>(written.line.size()) - 1;
-    const int inFront = static_cast<int>(doc.bytes().indexOf(text));
+    const int inFront = static_cast<int>(doc.bytes().indexOf(twoLines));
     for (const int position : {inFront, title, digest, written.regionEnd - 2}) {
         QByteArray damaged = doc.bytes();
         damaged[position] = damaged.at(position) == 'a' ? 'b' : 'a';

@@ -1,48 +1,27 @@
 #include "DocumentWriter.h"
+#include "QueueDocuments.h"
 #include "QueueEvents.h"
-#include "TestFiles.h"
 
 #include <tresk/TreskParser.h>
 #include <tresk/ValidationQueue.h>
 
 #include <QTest>
 
-using tresk::SavedFile;
 using tresk::TreskParser;
 using tresk::ValidationQueue;
 using tresktest::DocumentWriter;
-using tresktest::FileSpec;
 using tresktest::finish;
-using tresktest::md5Hex;
 using tresktest::percentages;
 using tresktest::QueueEvents;
 using tresktest::SectionSpec;
 using tresktest::step;
 using tresktest::steps;
-using tresktest::TestDir;
+using tresktest::timeLogged;
+using tresktest::ValidatedDocuments;
 using tresktest::verdicts;
 
-namespace {
-
-const QString timeLogged = QStringLiteral("log 0 validation finished: TIME");
-
-QByteArray pattern(int size)
-{
-    QByteArray bytes;
-    for (int i = 0; i < size; ++i)
-        bytes += static_cast<char>(i * i % 251);
-    return bytes;
-}
-
-FileSpec plain(const char* name, int size)
-{
-    return FileSpec::plain(QString::fromLatin1(name), pattern(size));
-}
-
-} // namespace
-
 /// reset() in the middle of an entry keeps the place that was reached.
-class TestValidationQueueReset : public QObject {
+class TestValidationQueueReset : public QObject, protected ValidatedDocuments {
     Q_OBJECT
 
 private Q_SLOTS:
@@ -57,36 +36,11 @@ private Q_SLOTS:
     void resetForgetsThatATagWasFed();
     void resetKeepsThePlaceInASavedFile();
     void resetThenEmptyStep();
-
-private:
-    SavedFile saved(int size) const
-    {
-        const QString path = m_dir.write(QStringLiteral("saved %1").arg(size),
-                                         QByteArray(size, 's'));
-        return {path, QString::fromLatin1(md5Hex(QByteArray(size, 's'))), size};
-    }
-
-    TestDir m_dir;
-    TreskParser m_parser; // files of 25, 40 and 25 bytes, of which a and c are alike; one section
-    TreskParser m_other; // one file
 };
 
 void TestValidationQueueReset::initTestCase()
 {
-    DocumentWriter doc;
-    doc.writeHeader();
-    SectionSpec section;
-    section.title = QStringLiteral("step");
-    section.files = {plain("a", 25), FileSpec::flate(QStringLiteral("b"), pattern(40))};
-    section.filesBehind = {plain("c", 25)};
-    doc.writeSection(section);
-    QVERIFY(m_parser.open(m_dir.write(QStringLiteral("document"), doc.bytes())));
-    QCOMPARE(m_parser.getNumFiles(), 3);
-
-    DocumentWriter other;
-    other.writeHeader();
-    other.writeFile(plain("d", 10));
-    QVERIFY(m_other.open(m_dir.write(QStringLiteral("other"), other.bytes())));
+    QVERIFY(openBoth());
 }
 
 void TestValidationQueueReset::resetEmptiesTheQueue()

@@ -1,4 +1,5 @@
 #include "DocumentWriter.h"
+#include "EmbeddedFiles.h"
 #include "MessageCapture.h"
 #include "TestFiles.h"
 
@@ -16,37 +17,19 @@
 #include <limits>
 
 using tresk::TreskParser;
+using tresktest::counted;
 using tresktest::deflated;
 using tresktest::DocumentWriter;
 using tresktest::FileSpec;
+using tresktest::flate;
+using tresktest::plain;
 using tresktest::TestDir;
+using tresktest::twoLines;
 
 namespace {
 
-const QByteArray text = "The content of a file.\nIts second line.\n";
 const int piece = 4 * 1024 * 1024;
 const QString totalPattern = QStringLiteral("^\\[writeFileToDisk\\] total: ([0-9.e-]+)s\\.$");
-
-FileSpec plain(const QByteArray& content)
-{
-    return FileSpec::plain(QStringLiteral("file"), content);
-}
-
-FileSpec flate(const QByteArray& content)
-{
-    return FileSpec::flate(QStringLiteral("file"), content);
-}
-
-/// Bytes that repeat late.
-QByteArray longContent(int size)
-{
-    QByteArray content;
-    content.reserve(size + 16);
-    for (quint32 i = 0; content.size() < size; ++i)
-        content += QByteArray::number(i * 2654435761U);
-    content.truncate(size);
-    return content;
-}
 
 /// A zlib stream of @p content in blocks that are stored as they are, so that it is known which
 /// bytes of the stream stand for which of the content. It has no checksum at its end.
@@ -158,11 +141,11 @@ void TestWriteFileToDisk::written_data()
     for (const bool compressed : {false, true}) {
         const char* kind = compressed ? "flate" : "plain";
         QTest::addRow("%s, empty", kind) << compressed << QByteArray();
-        QTest::addRow("%s, text", kind) << compressed << text;
+        QTest::addRow("%s, text", kind) << compressed << twoLines;
         QTest::addRow("%s, binary", kind) << compressed << QByteArray("\n\0\xff\r\n", 5);
-        QTest::addRow("%s, 1 MiB", kind) << compressed << longContent(1 << 20);
+        QTest::addRow("%s, 1 MiB", kind) << compressed << counted(1 << 20);
         QTest::addRow("%s, one piece", kind) << compressed << QByteArray(piece, 'x');
-        QTest::addRow("%s, more than a piece", kind) << compressed << longContent(piece + 1);
+        QTest::addRow("%s, more than a piece", kind) << compressed << counted(piece + 1);
     }
 }
 
@@ -229,7 +212,7 @@ void TestWriteFileToDisk::sizesInMessages()
     QFETCH(QByteArray, filesize);
     QFETCH(QByteArray, cfilesize);
     QFETCH(QString, message);
-    QVERIFY(open(plain(text).with("filesize", filesize).with("cfilesize", cfilesize)));
+    QVERIFY(open(plain(twoLines).with("filesize", filesize).with("cfilesize", cfilesize)));
     QVERIFY(m_parser->writeFileToDisk(0, m_target));
     QCOMPARE(log().value(1), message);
 }
@@ -238,7 +221,7 @@ void TestWriteFileToDisk::messagesInOtherLocale()
 {
     const QLocale before;
     QLocale::setDefault(QLocale(QLocale::German));
-    const bool opened = open(plain(text).with("cfilesize", "1234567"));
+    const bool opened = open(plain(twoLines).with("cfilesize", "1234567"));
     const bool done = m_parser->writeFileToDisk(0, m_target);
     QLocale::setDefault(before);
     QVERIFY(opened && done);
@@ -251,16 +234,16 @@ void TestWriteFileToDisk::messagesInOtherLocale()
 
 void TestWriteFileToDisk::pathWithPlaceholders()
 {
-    QVERIFY(open(plain(text)));
+    QVERIFY(open(plain(twoLines)));
     const QString path = m_dir.path(QStringLiteral("%1 %2 %L3 %%"));
     QVERIFY(m_parser->writeFileToDisk(0, path));
     QCOMPARE(log().at(0), firstMessage(path));
-    QCOMPARE(tresktest::readFile(path), text);
+    QCOMPARE(tresktest::readFile(path), twoLines);
 }
 
 void TestWriteFileToDisk::fileNumbers()
 {
-    QVERIFY(open(plain(text)));
+    QVERIFY(open(plain(twoLines)));
     for (const int i : {-1, 1, std::numeric_limits<int>::max(), std::numeric_limits<int>::min()}) {
         m_log->clear();
         QVERIFY(!m_parser->writeFileToDisk(i, m_target));
@@ -271,10 +254,10 @@ void TestWriteFileToDisk::fileNumbers()
 
 void TestWriteFileToDisk::targetIsReplaced()
 {
-    QVERIFY(open(plain(text)));
+    QVERIFY(open(plain(twoLines)));
     m_dir.write(QStringLiteral("target"), QByteArray(1000, 'x'));
     QVERIFY(m_parser->writeFileToDisk(0, m_target));
-    QCOMPARE(target(), text);
+    QCOMPARE(target(), twoLines);
 }
 
 void TestWriteFileToDisk::targetCannotBeOpened_data()
@@ -289,7 +272,7 @@ void TestWriteFileToDisk::targetCannotBeOpened_data()
 void TestWriteFileToDisk::targetCannotBeOpened()
 {
     QFETCH(QString, path);
-    QVERIFY(open(plain(text)));
+    QVERIFY(open(plain(twoLines)));
     QVERIFY(!m_parser->writeFileToDisk(0, path));
     QCOMPARE(log(), QStringList({firstMessage(path)}));
 }
@@ -304,7 +287,7 @@ void TestWriteFileToDisk::unknownCompression_data()
 void TestWriteFileToDisk::unknownCompression()
 {
     QFETCH(QByteArray, word);
-    QVERIFY(open(plain(text).with("compression", word)));
+    QVERIFY(open(plain(twoLines).with("compression", word)));
     m_dir.write(QStringLiteral("target"), "what was there");
     QVERIFY(!m_parser->writeFileToDisk(0, m_target));
     QCOMPARE(log(),
@@ -323,7 +306,7 @@ void TestWriteFileToDisk::fullDisk_data()
 void TestWriteFileToDisk::fullDisk()
 {
     QFETCH(bool, compressed);
-    QVERIFY(open(compressed ? flate(text) : plain(text)));
+    QVERIFY(open(compressed ? flate(twoLines) : plain(twoLines)));
     const QString full = QStringLiteral("/dev/full");
     QVERIFY(!m_parser->writeFileToDisk(0, full));
     QCOMPARE(log().size(), 3);
@@ -340,13 +323,14 @@ void TestWriteFileToDisk::nothingForAFullDisk()
 void TestWriteFileToDisk::rangeBeyondTheEnd_data()
 {
     QTest::addColumn<FileSpec>("file");
-    QTest::newRow("plain, partly beyond") << plain(text).with("filesize", "1000");
-    QTest::newRow("flate, partly beyond") << flate(text).with("cfilesize", "1000");
-    QTest::newRow("plain, wholly beyond") << plain(text).with("offset", "1000");
-    QTest::newRow("plain, farthest") << plain(text).with("offset", "2147483647");
-    QTest::newRow("plain, no size") << plain(text).with("filesize", "");
-    QTest::newRow("flate, no size") << flate(text).with("cfilesize", "");
-    QTest::newRow("plain, size that does not fit") << plain(text).with("filesize", "2147483648");
+    QTest::newRow("plain, partly beyond") << plain(twoLines).with("filesize", "1000");
+    QTest::newRow("flate, partly beyond") << flate(twoLines).with("cfilesize", "1000");
+    QTest::newRow("plain, wholly beyond") << plain(twoLines).with("offset", "1000");
+    QTest::newRow("plain, farthest") << plain(twoLines).with("offset", "2147483647");
+    QTest::newRow("plain, no size") << plain(twoLines).with("filesize", "");
+    QTest::newRow("flate, no size") << flate(twoLines).with("cfilesize", "");
+    QTest::newRow("plain, size that does not fit")
+        << plain(twoLines).with("filesize", "2147483648");
 }
 
 void TestWriteFileToDisk::rangeBeyondTheEnd()
@@ -361,7 +345,7 @@ void TestWriteFileToDisk::rangeBeyondTheEnd()
 void TestWriteFileToDisk::piecesBeforeTheEnd()
 {
     // The second piece reaches beyond the end and reads as empty, the whole of it.
-    const QByteArray content = longContent(piece + 1000);
+    const QByteArray content = counted(piece + 1000);
     QVERIFY(open(plain(content).with("filesize", QByteArray::number(piece + 5000))));
     QVERIFY(m_parser->writeFileToDisk(0, m_target));
     QVERIFY(target() == content.left(piece));
@@ -369,28 +353,28 @@ void TestWriteFileToDisk::piecesBeforeTheEnd()
 
 void TestWriteFileToDisk::plainFileIsWrittenByContentSize()
 {
-    QVERIFY(open(plain(text).with("filesize", "11").with("cfilesize", "3")));
+    QVERIFY(open(plain(twoLines).with("filesize", "11").with("cfilesize", "3")));
     QVERIFY(m_parser->writeFileToDisk(0, m_target));
-    QCOMPARE(target(), text.left(11));
+    QCOMPARE(target(), twoLines.left(11));
 }
 
 void TestWriteFileToDisk::damagedStream_data()
 {
     QTest::addColumn<QByteArray>("stored");
-    QByteArray wrongChecksum = deflated(text);
+    QByteArray wrongChecksum = deflated(twoLines);
     wrongChecksum[wrongChecksum.size() - 1] = static_cast<char>(~wrongChecksum.back());
     QTest::newRow("no stream") << QByteArray(100, 'x');
     QTest::newRow("wrong checksum") << wrongChecksum;
-    QTest::newRow("bad block") << QByteArray(blocksOf(text) + QByteArray(20, '\xff'));
+    QTest::newRow("bad block") << QByteArray(blocksOf(twoLines) + QByteArray(20, '\xff'));
     QTest::newRow("bad block behind 3 MiB")
-        << QByteArray(blocksOf(longContent(3 << 20)) + QByteArray(20, '\xff'));
+        << QByteArray(blocksOf(counted(3 << 20)) + QByteArray(20, '\xff'));
 }
 
 void TestWriteFileToDisk::damagedStream()
 {
     // What the piece held before the fault is left out with it, and that is no error.
     QFETCH(QByteArray, stored);
-    FileSpec file = flate(text);
+    FileSpec file = flate(twoLines);
     file.stored = stored;
     QVERIFY(open(file));
     QVERIFY(m_parser->writeFileToDisk(0, m_target));
@@ -401,7 +385,7 @@ void TestWriteFileToDisk::damagedStream()
 
 void TestWriteFileToDisk::damageInSecondPiece()
 {
-    const QByteArray content = longContent(9 << 20);
+    const QByteArray content = counted(9 << 20);
     QByteArray stored = blocksOf(content);
     const int damage = piece + (1 << 20);
     stored = stored.left(damage) + QByteArray(int(stored.size()) - damage, '\xff');
@@ -415,7 +399,7 @@ void TestWriteFileToDisk::damageInSecondPiece()
 void TestWriteFileToDisk::soundBeginningOfDamagedPiece()
 {
     // The fault lies in the last bytes of the first piece, with nothing but sound pieces behind.
-    const QByteArray content = longContent(6 << 20);
+    const QByteArray content = counted(6 << 20);
     const QByteArray stored = blocksOf(content);
     const int badBlock = 2 + 63 * 65540;
     QVERIFY(badBlock < piece);
@@ -429,7 +413,7 @@ void TestWriteFileToDisk::soundBeginningOfDamagedPiece()
 void TestWriteFileToDisk::truncatedStream()
 {
     // A stream that breaks off is written as far as it goes.
-    const QByteArray content = longContent(5 << 20);
+    const QByteArray content = counted(5 << 20);
     FileSpec file = flate(content);
     file.stored = blocksOf(content);
     QVERIFY(open(file));
@@ -440,7 +424,7 @@ void TestWriteFileToDisk::truncatedStream()
 void TestWriteFileToDisk::debugLine()
 {
     QLoggingCategory::setFilterRules(QString());
-    QVERIFY(open(plain(text)));
+    QVERIFY(open(plain(twoLines)));
     const tresktest::MessageCapture messages;
     QVERIFY(m_parser->writeFileToDisk(0, m_target));
     QCOMPARE(messages.count(QtDebugMsg, "tresk"), 1);
@@ -452,7 +436,7 @@ void TestWriteFileToDisk::debugLine()
 void TestWriteFileToDisk::debugLineSwitchedOff()
 {
     QLoggingCategory::setFilterRules(QStringLiteral("tresk.debug=false"));
-    QVERIFY(open(plain(text)));
+    QVERIFY(open(plain(twoLines)));
     const tresktest::MessageCapture messages;
     QVERIFY(m_parser->writeFileToDisk(0, m_target));
     QCOMPARE(int(messages.messages().size()), 0);

@@ -66,6 +66,17 @@ void addChanges()
         QTest::newRow(how) << text(how);
 }
 
+/// Works @p queue off, with a call of @p inFront in front of each step, and counts these.
+template <typename Queue, typename Function>
+int stepsOf(Queue& queue, const Function& inFront)
+{
+    int done = 0;
+    do {
+        inFront(done++);
+    } while (queue.process() && done < mostSteps);
+    return done;
+}
+
 /// Whether a file that is held open does not notice the change.
 bool isHarmless(const QString& how)
 {
@@ -155,12 +166,11 @@ void TestChangedFiles::changeDuringValidation()
         connect(&queue, &ValidationQueue::fileProcessed, this, note);
         connect(&queue, &ValidationQueue::sectionProcessed, this, note);
         queue.repopulate(&parser);
-        int done = 0;
-        do {
-            if (done == before)
+        const int done = stepsOf(queue, [&](int step) {
+            if (step == before)
                 change(how);
-            QVERIFY(++done < mostSteps);
-        } while (queue.process());
+        });
+        QVERIFY(done < mostSteps);
         steps = std::max(steps, done);
         QCOMPARE(right + wrong, 3);
         // What was read before the change was right, and the last bytes were not all there then.
@@ -188,12 +198,11 @@ void TestChangedFiles::changeDuringExtraction()
                 [&results](int id, bool valid) { results.insert(id, valid); });
         const QStringList targets = {m_dir.path(text("first")), m_dir.path(text("second"))};
         queue.addExtractees({{0, targets[0]}, {1, targets[1]}});
-        int done = 0;
-        do {
-            if (done == before)
+        const int done = stepsOf(queue, [&](int step) {
+            if (step == before)
                 change(how);
-            QVERIFY(++done < mostSteps);
-        } while (queue.process());
+        });
+        QVERIFY(done < mostSteps);
         steps = std::max(steps, done);
         QCOMPARE(results.keys(), QList<int>({0, 1}));
         for (int id = 0; id < 2; ++id) {

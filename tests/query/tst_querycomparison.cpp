@@ -1,11 +1,14 @@
+#include "Comparisons.h"
 #include "Records.h"
 
 #include <QTest>
 
-using tresk::Summary;
 using tresktest::answer;
+using tresktest::compareValues;
+using tresktest::fileOfSize;
 using tresktest::quoted;
 using tresktest::utf8;
+using tresktest::yesIf;
 
 /// What the operators say of two texts.
 class TestQueryComparison : public QObject {
@@ -29,11 +32,6 @@ private Q_SLOTS:
 
 namespace {
 
-QString yesIf(bool holds)
-{
-    return holds ? utf8("yes") : utf8("no");
-}
-
 /// Compares the texts as constants of a query.
 void compare(const QString& left, const char* op, const QString& right, bool holds)
 {
@@ -41,24 +39,6 @@ void compare(const QString& left, const char* op, const QString& right, bool hol
         QLatin1Char(' '));
     QCOMPARE(answer(comparison), yesIf(holds));
     QCOMPARE(answer(utf8("!(%1)").arg(comparison)), yesIf(!holds));
-}
-
-QList<Summary> recordsWith(const QString& timestamp, const QString& lastModified)
-{
-    tresk::FileSummary file = tresktest::fileNamed(QString());
-    file.lastModified = lastModified;
-    Summary step = tresktest::stepTitled(QString(), {file});
-    step.timestamp = timestamp;
-    return {step};
-}
-
-/// Compares the texts as the timestamp of a step and the date of a file.
-void compareValues(const QString& left, const char* op, const QString& right, bool holds)
-{
-    const QString query = utf8("s:iswfs && f:isfile && %1(s:timestamp %2 f:lastmodified)");
-    const QList<Summary> records = recordsWith(left, right);
-    QCOMPARE(answer(query.arg(QString(), utf8(op)), records), yesIf(holds));
-    QCOMPARE(answer(query.arg(utf8("!"), utf8(op)), records), yesIf(!holds));
 }
 
 void addTexts()
@@ -71,13 +51,6 @@ void addTexts()
 void addRow(const char* left, const char* right, bool holds)
 {
     QTest::addRow("\"%s\", \"%s\"", left, right) << utf8(left) << utf8(right) << holds;
-}
-
-QList<Summary> fileOfSize(int size)
-{
-    tresk::FileSummary file = tresktest::fileNamed(QString());
-    file.uncompressedSize = size;
-    return {tresktest::stepTitled(QString(), {file})};
 }
 
 } // namespace

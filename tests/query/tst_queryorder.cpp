@@ -1,12 +1,15 @@
+#include "Comparisons.h"
 #include "Records.h"
 
 #include <QDateTime>
 #include <QTest>
 
-using tresk::Summary;
 using tresktest::answer;
+using tresktest::compareValues;
+using tresktest::fileOfSize;
 using tresktest::quoted;
 using tresktest::utf8;
+using tresktest::yesIf;
 
 /// What is less or greater: dates, and numbers otherwise.
 class TestQueryOrder : public QObject {
@@ -19,40 +22,6 @@ private Q_SLOTS:
     void orderOfSizes();
     void timesAreOfToday();
 };
-
-namespace {
-
-QString yesIf(bool holds)
-{
-    return holds ? utf8("yes") : utf8("no");
-}
-
-QList<Summary> recordsWith(const QString& timestamp, const QString& lastModified)
-{
-    tresk::FileSummary file = tresktest::fileNamed(QString());
-    file.lastModified = lastModified;
-    Summary step = tresktest::stepTitled(QString(), {file});
-    step.timestamp = timestamp;
-    return {step};
-}
-
-/// Compares the texts as the timestamp of a step and the date of a file.
-void compareValues(const QString& left, const char* op, const QString& right, bool holds)
-{
-    const QString query = utf8("s:iswfs && f:isfile && %1(s:timestamp %2 f:lastmodified)");
-    const QList<Summary> records = recordsWith(left, right);
-    QCOMPARE(answer(query.arg(QString(), utf8(op)), records), yesIf(holds));
-    QCOMPARE(answer(query.arg(utf8("!"), utf8(op)), records), yesIf(!holds));
-}
-
-QList<Summary> fileOfSize(int size)
-{
-    tresk::FileSummary file = tresktest::fileNamed(QString());
-    file.uncompressedSize = size;
-    return {tresktest::stepTitled(QString(), {file})};
-}
-
-} // namespace
 
 /// How the texts stand to each other: "<", "=" or ">", or "none" where all four are false.
 void TestQueryOrder::order_data()

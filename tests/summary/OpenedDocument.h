@@ -12,11 +12,7 @@ namespace tresktest {
 /// A document on disk and the parser that has it open.
 class OpenedDocument {
 public:
-    explicit OpenedDocument(const DocumentWriter& document)
-    {
-        if (!parser.open(m_dir.write(QStringLiteral("document"), document.bytes())))
-            qFatal("the document could not be opened");
-    }
+    explicit OpenedDocument(const DocumentWriter& document);
 
     QList<tresk::Summary> summaries() { return tresk::SummaryCreator().createSummaries(parser); }
 
@@ -27,21 +23,17 @@ private:
 };
 
 /// A document with a header and no steps yet.
-inline DocumentWriter newDocument()
-{
-    DocumentWriter document("%PDF-1.4\n");
-    document.writeHeader();
-    return document;
-}
-
+DocumentWriter newDocument();
 /// A step with @p files, titled "marker": unless a summary is read, that is what it is called.
-inline SectionSpec stepWith(const QVector<FileSpec>& files)
-{
-    SectionSpec section;
-    section.title = QStringLiteral("marker");
-    section.files = files;
-    return section;
-}
+SectionSpec stepWith(const QVector<FileSpec>& files);
+/// A file that is no summary.
+FileSpec fileNamed(const char* name, const QByteArray& content = "content");
+/// A summary that says nothing but the title of its step.
+FileSpec titledSummary(const QByteArray& title);
+
+QStringList titles(const QList<tresk::Summary>& summaries);
+/// What section @p id of the document gives without a summary document.
+tresk::Summary fromMarkers(const tresk::TreskParser& parser, int id);
 
 } // namespace tresktest
 

@@ -1,4 +1,5 @@
 #include "DebugLines.h"
+#include "Latin1.h"
 
 #include <tresk/SummaryReader.h>
 
@@ -6,14 +7,11 @@
 
 using tresk::Summary;
 using tresk::SummaryReader;
+using tresktest::latin1;
+using tresktest::latin1List;
 using tresktest::MessageCapture;
 
 namespace {
-
-QString latin1(const char* text)
-{
-    return QString::fromLatin1(text);
-}
 
 /// The elements that a reader finds side by side in @p text, as "name|content". None may have
 /// a name that a step knows.
@@ -79,14 +77,6 @@ void addRow(const char* name, const char* text, const QStringList& elements)
     QTest::newRow(name) << latin1(text) << elements;
 }
 
-QStringList list(std::initializer_list<const char*> texts)
-{
-    QStringList result;
-    for (const char* text : texts)
-        result += latin1(text);
-    return result;
-}
-
 } // namespace
 
 void TestElementScanner::elements_data()
@@ -104,106 +94,112 @@ void TestElementScanner::addListRows()
 {
     addRow("nothing", "", {});
     addRow("text alone", "a > b", {});
-    addRow("one", "<a>x</a>", list({"a|x"}));
-    addRow("several", "<a>x</a><b>y</b><a>z</a>", list({"a|x", "b|y", "a|z"}));
-    addRow("text between", "p > q<a>x</a>/> & \t<b>y</b>]]>", list({"a|x", "b|y"}));
-    addRow("bracket at the end", "<a>x</a><", list({"a|x"}));
-    addRow("no closing bracket", "<a>x</a><b", list({"a|x"}));
-    addRow("bracket after a fault", "<a>x</a><b <c>y</c>", list({"a|x"}));
-    addRow("content as it stands", "<a>  x &amp; > \t y\n</a>", list({"a|  x &amp; > \\t y\\n"}));
-    addRow("content with elements", "<a><b>x</b><c/></a>", list({"a|<b>x</b><c/>"}));
-    addRow("content with half tags", "<a>< <b </c> <a</a>", list({"a|< <b </c> <a"}));
-    addRow("content with comments", "<a><!--</a>--></a>", list({"a|<!--"}));
-    addRow("content with instructions", "<a><?</a>?></a><b/>", list({"a|<?"}));
-    addRow("content with raw data", "<a><![CDATA[x</a>]]></a>", list({"a|<![CDATA[x"}));
+    addRow("one", "<a>x</a>", latin1List({"a|x"}));
+    addRow("several", "<a>x</a><b>y</b><a>z</a>", latin1List({"a|x", "b|y", "a|z"}));
+    addRow("text between", "p > q<a>x</a>/> & \t<b>y</b>]]>", latin1List({"a|x", "b|y"}));
+    addRow("bracket at the end", "<a>x</a><", latin1List({"a|x"}));
+    addRow("no closing bracket", "<a>x</a><b", latin1List({"a|x"}));
+    addRow("bracket after a fault", "<a>x</a><b <c>y</c>", latin1List({"a|x"}));
+    addRow("content as it stands", "<a>  x &amp; > \t y\n</a>",
+           latin1List({"a|  x &amp; > \\t y\\n"}));
+    addRow("content with elements", "<a><b>x</b><c/></a>", latin1List({"a|<b>x</b><c/>"}));
+    addRow("content with half tags", "<a>< <b </c> <a</a>", latin1List({"a|< <b </c> <a"}));
+    addRow("content with comments", "<a><!--</a>--></a>", latin1List({"a|<!--"}));
+    addRow("content with instructions", "<a><?</a>?></a><b/>", latin1List({"a|<?"}));
+    addRow("content with raw data", "<a><![CDATA[x</a>]]></a>", latin1List({"a|<![CDATA[x"}));
 }
 
 void TestElementScanner::addInstructionRows()
 {
-    addRow("instruction", "<?xml version=\"1.0\"?><a>x</a>", list({"a|x"}));
-    addRow("instructions between", "<a>x</a><?p?>\n<?q <b>y</b> ?><c>z</c>", list({"a|x", "c|z"}));
+    addRow("instruction", "<?xml version=\"1.0\"?><a>x</a>", latin1List({"a|x"}));
+    addRow("instructions between", "<a>x</a><?p?>\n<?q <b>y</b> ?><c>z</c>",
+           latin1List({"a|x", "c|z"}));
     addRow("instruction not closed", "<?p ><a>x</a>", {});
-    addRow("instruction without bracket", "<a>x</a><?p", list({"a|x"}));
+    addRow("instruction without bracket", "<a>x</a><?p", latin1List({"a|x"}));
     // The mark that opens an instruction does not close it, ...
     addRow("shortest instruction", "<?><a>x</a>", {});
-    addRow("shortest instruction closed later", "<?><a>x</a><?p?><b>y</b>", list({"b|y"}));
-    addRow("instruction of two marks", "<?\?><a>x</a>", list({"a|x"}));
+    addRow("shortest instruction closed later", "<?><a>x</a><?p?><b>y</b>", latin1List({"b|y"}));
+    addRow("instruction of two marks", "<?\?><a>x</a>", latin1List({"a|x"}));
     // ... but the dashes that open a comment may.
-    addRow("comment", "<!-- <b>y</b> --><a>x</a>", list({"a|x"}));
-    addRow("comments between", "<a>x</a><!----><!-- - -- > --><b>y</b>", list({"a|x", "b|y"}));
-    addRow("shortest comment", "<!--><a>x</a>", list({"a|x"}));
-    addRow("comment of three dashes", "<!---><a>x</a>", list({"a|x"}));
+    addRow("comment", "<!-- <b>y</b> --><a>x</a>", latin1List({"a|x"}));
+    addRow("comments between", "<a>x</a><!----><!-- - -- > --><b>y</b>",
+           latin1List({"a|x", "b|y"}));
+    addRow("shortest comment", "<!--><a>x</a>", latin1List({"a|x"}));
+    addRow("comment of three dashes", "<!---><a>x</a>", latin1List({"a|x"}));
     addRow("comment not closed", "<!-- ><a>x</a>", {});
     addRow("bracket and dashes only", "<!-><a>x</a>", {});
     addRow("declaration", "<!DOCTYPE a><a>x</a>", {});
-    addRow("declaration before a comment", "<!DOCTYPE a><a>x</a><!-- --><b>y</b>", list({"b|y"}));
-    addRow("declaration after elements", "<a>x</a><!DOCTYPE a><b>y</b>", list({"a|x"}));
-    addRow("raw data", "<a>x</a><![CDATA[ ]]><b>y</b>", list({"a|x"}));
+    addRow("declaration before a comment", "<!DOCTYPE a><a>x</a><!-- --><b>y</b>",
+           latin1List({"b|y"}));
+    addRow("declaration after elements", "<a>x</a><!DOCTYPE a><b>y</b>", latin1List({"a|x"}));
+    addRow("raw data", "<a>x</a><![CDATA[ ]]><b>y</b>", latin1List({"a|x"}));
     // Any bracket will do for the tag, however far behind.
-    addRow("comment within an instruction", "<?p <!-- ?><a>x</a>", list({"a|x"}));
-    addRow("instruction within a comment", "<!-- <? --><a>x</a>", list({"a|x"}));
-    addRow("blank before the mark", "< ?p?>x</ ?p?><a>y</a>", list({" ?p?|x", "a|y"}));
+    addRow("comment within an instruction", "<?p <!-- ?><a>x</a>", latin1List({"a|x"}));
+    addRow("instruction within a comment", "<!-- <? --><a>x</a>", latin1List({"a|x"}));
+    addRow("blank before the mark", "< ?p?>x</ ?p?><a>y</a>", latin1List({" ?p?|x", "a|y"}));
 }
 
 void TestElementScanner::addNameRows()
 {
-    addRow("name with attribute", "<a b=\"c\">x</a b=\"c\">", list({"a b=\\\"c\\\"|x"}));
+    addRow("name with attribute", "<a b=\"c\">x</a b=\"c\">", latin1List({"a b=\\\"c\\\"|x"}));
     addRow("attribute on one side", "<a b=\"c\">x</a><d>y</d>", {});
-    addRow("name with blanks", "< a >x</ a >", list({" a |x"}));
-    addRow("name with line break", "<a\nb>x</a\nb>", list({"a\\nb|x"}));
-    addRow("name with bracket", "<a<b>x</a<b>", list({"a<b|x"}));
-    addRow("name of brackets", "<<<>x</<<>", list({"<<|x"}));
-    addRow("empty name", "<>x</><a>y</a>", list({"|x", "a|y"}));
-    addRow("empty names nested", "<><>x</></>", list({"|<>x</>"}));
-    addRow("placeholder", "<%1>x<%2>y</%1>", list({"%1|x<%2>y"}));
+    addRow("name with blanks", "< a >x</ a >", latin1List({" a |x"}));
+    addRow("name with line break", "<a\nb>x</a\nb>", latin1List({"a\\nb|x"}));
+    addRow("name with bracket", "<a<b>x</a<b>", latin1List({"a<b|x"}));
+    addRow("name of brackets", "<<<>x</<<>", latin1List({"<<|x"}));
+    addRow("empty name", "<>x</><a>y</a>", latin1List({"|x", "a|y"}));
+    addRow("empty names nested", "<><>x</></>", latin1List({"|<>x</>"}));
+    addRow("placeholder", "<%1>x<%2>y</%1>", latin1List({"%1|x<%2>y"}));
     addRow("placeholders nested", "<%1%L1>x<%1%L1/><%1%L1></%1%L1>y</%1%L1>",
-           list({"%1%L1|x<%1%L1/><%1%L1></%1%L1>y"}));
-    addRow("case counts", "<a>x</A></a>", list({"a|x</A>"}));
-    addRow("exclamation mark inside", "<a!>x</a!>", list({"a!|x"}));
+           latin1List({"%1%L1|x<%1%L1/><%1%L1></%1%L1>y"}));
+    addRow("case counts", "<a>x</A></a>", latin1List({"a|x</A>"}));
+    addRow("exclamation mark inside", "<a!>x</a!>", latin1List({"a!|x"}));
 
-    addRow("empty element", "<a/><b>y</b>", list({"a|", "b|y"}));
-    addRow("empty element with blank", "<a /><b>y</b>", list({"a |", "b|y"}));
-    addRow("empty element with attribute", "<a b='/'/><c/>", list({"a b='/'|", "c|"}));
-    addRow("one slash is dropped", "<a//>", list({"a/|"}));
-    addRow("slash inside", "<a/b>x</a/b>", list({"a/b|x"}));
-    addRow("blank behind the slash", "<a/ >x</a/ >", list({"a/ |x"}));
-    addRow("empty element is not closed", "<a/>x</a><b/>", list({"a|"}));
+    addRow("empty element", "<a/><b>y</b>", latin1List({"a|", "b|y"}));
+    addRow("empty element with blank", "<a /><b>y</b>", latin1List({"a |", "b|y"}));
+    addRow("empty element with attribute", "<a b='/'/><c/>", latin1List({"a b='/'|", "c|"}));
+    addRow("one slash is dropped", "<a//>", latin1List({"a/|"}));
+    addRow("slash inside", "<a/b>x</a/b>", latin1List({"a/b|x"}));
+    addRow("blank behind the slash", "<a/ >x</a/ >", latin1List({"a/ |x"}));
+    addRow("empty element is not closed", "<a/>x</a><b/>", latin1List({"a|"}));
 }
 
 void TestElementScanner::addClosingRows()
 {
     addRow("closing tag first", "</a><b>y</b>", {});
-    addRow("closing tag between", "<a>x</a></c><b>y</b>", list({"a|x"}));
-    addRow("slash alone", "<a>x</a></><b>y</b>", list({"a|x"}));
+    addRow("closing tag between", "<a>x</a></c><b>y</b>", latin1List({"a|x"}));
+    addRow("slash alone", "<a>x</a></><b>y</b>", latin1List({"a|x"}));
     addRow("slashes alone", "<//><b>y</b>", {});
     addRow("closing tag with slash", "</a/><b>y</b>", {});
     addRow("not closed", "<a>x<b>y</b>", {});
     addRow("closed before", "</a><a>x", {});
-    addRow("last one not closed", "<a>x</a><b>y</b><a>z", list({"a|x", "b|y"}));
+    addRow("last one not closed", "<a>x</a><b>y</b><a>z", latin1List({"a|x", "b|y"}));
     addRow("closing tag with blank", "<a>x</a ><b/>", {});
     addRow("closing tag cut off", "<a>x</a", {});
-    addRow("longer name closes nothing", "<a>x</ab></a>", list({"a|x</ab>"}));
-    addRow("half a closing tag", "<a>x/a> <//a> </ a> a></a>", list({"a|x/a> <//a> </ a> a>"}));
-    addRow("overlapping", "<a>x<b>y</a>z</b>", list({"a|x<b>y"}));
-    addRow("adjacent", "<a></a><b></b>", list({"a|", "b|"}));
+    addRow("longer name closes nothing", "<a>x</ab></a>", latin1List({"a|x</ab>"}));
+    addRow("half a closing tag", "<a>x/a> <//a> </ a> a></a>",
+           latin1List({"a|x/a> <//a> </ a> a>"}));
+    addRow("overlapping", "<a>x<b>y</a>z</b>", latin1List({"a|x<b>y"}));
+    addRow("adjacent", "<a></a><b></b>", latin1List({"a|", "b|"}));
 }
 
 void TestElementScanner::addNestingRows()
 {
-    addRow("nested", "<a>1<a>2</a>3</a><b/>", list({"a|1<a>2</a>3", "b|"}));
+    addRow("nested", "<a>1<a>2</a>3</a><b/>", latin1List({"a|1<a>2</a>3", "b|"}));
     addRow("nested deep", "<a><a><a></a></a><a></a></a><b/>",
-           list({"a|<a><a></a></a><a></a>", "b|"}));
+           latin1List({"a|<a><a></a></a><a></a>", "b|"}));
     addRow("nested not closed", "<a>1<a>2</a>3<b/>", {});
-    addRow("nested closed once too often", "<a>1<a>2</a>3</a>4</a><b/>", list({"a|1<a>2</a>3"}));
-    addRow("nested empty does not count", "<a>1<a/>2</a><b/>", list({"a|1<a/>2", "b|"}));
+    addRow("nested closed once too often", "<a>1<a>2</a>3</a>4</a><b/>",
+           latin1List({"a|1<a>2</a>3"}));
+    addRow("nested empty does not count", "<a>1<a/>2</a><b/>", latin1List({"a|1<a/>2", "b|"}));
     addRow("nested with attribute does not count", "<a>1<a b='c'>2</a>3</a><b/>",
-           list({"a|1<a b='c'>2"}));
-    addRow("nested with blank does not count", "<a>1<a >2</a>3</a><b/>", list({"a|1<a >2"}));
+           latin1List({"a|1<a b='c'>2"}));
+    addRow("nested with blank does not count", "<a>1<a >2</a>3</a><b/>", latin1List({"a|1<a >2"}));
     addRow("nested in a comment counts", "<a>1<!-- <a> -->2</a><b/>", {});
     addRow("nested in another element counts", "<a>1<b><a></b>2</a>3</a><c/>",
-           list({"a|1<b><a></b>2</a>3", "c|"}));
-    addRow("opened behind the end", "<a>1</a><a>2</a>", list({"a|1", "a|2"}));
-    addRow("opened behind the end, not closed", "<a>1</a><a>2", list({"a|1"}));
+           latin1List({"a|1<b><a></b>2</a>3", "c|"}));
+    addRow("opened behind the end", "<a>1</a><a>2</a>", latin1List({"a|1", "a|2"}));
+    addRow("opened behind the end, not closed", "<a>1</a><a>2", latin1List({"a|1"}));
     addRow("only openings left", "<a><a><a></a>", {});
 }
 

@@ -1,4 +1,5 @@
 #include "DebugLines.h"
+#include "Latin1.h"
 #include "OpenedDocument.h"
 #include "SummaryText.h"
 #include "SummaryXml.h"
@@ -13,7 +14,10 @@ using tresk::TreskParser;
 using tresktest::DocumentWriter;
 using tresktest::element;
 using tresktest::FileElement;
+using tresktest::fileNamed;
 using tresktest::FileSpec;
+using tresktest::fromMarkers;
+using tresktest::latin1;
 using tresktest::MessageCapture;
 using tresktest::newDocument;
 using tresktest::OpenedDocument;
@@ -22,39 +26,8 @@ using tresktest::stepWith;
 using tresktest::summaryFile;
 using tresktest::summaryXml;
 using tresktest::textOf;
-
-namespace {
-
-QString latin1(const char* text)
-{
-    return QString::fromLatin1(text);
-}
-
-FileSpec file(const char* name, const QByteArray& content = "content")
-{
-    return FileSpec::plain(latin1(name), content);
-}
-
-FileSpec titledSummary(const QByteArray& title)
-{
-    return summaryFile(summaryXml(element("Title", title)));
-}
-
-QStringList titles(const QList<Summary>& summaries)
-{
-    QStringList result;
-    for (const Summary& summary : summaries)
-        result += summary.title;
-    return result;
-}
-
-/// What section @p id of the document gives without a summary document.
-Summary fromMarkers(const TreskParser& parser, int id)
-{
-    return tresk::makeSummaryFromTags(*parser.getSection(id), parser.getFilesInSection(id));
-}
-
-} // namespace
+using tresktest::titledSummary;
+using tresktest::titles;
 
 /// Which summaries a document gives, and in which order.
 class TestSummaryCreator : public QObject {
@@ -97,9 +70,9 @@ void TestSummaryCreator::withoutSteps()
 void TestSummaryCreator::oldestFirst()
 {
     DocumentWriter document = newDocument();
-    document.writeFile(file("stray"));
+    document.writeFile(fileNamed("stray"));
     document.writeSection(stepWith({titledSummary("oldest")}));
-    document.writeSection(stepWith({file("a")}));
+    document.writeSection(stepWith({fileNamed("a")}));
     document.writeSection(stepWith({titledSummary("newest")}));
     const QList<Summary> summaries = OpenedDocument(document).summaries();
     const QStringList expected = {latin1("oldest"), latin1("marker"), latin1("newest"),
@@ -131,8 +104,8 @@ void TestSummaryCreator::stepWithoutFiles()
 void TestSummaryCreator::stepWithoutSummary()
 {
     DocumentWriter document = newDocument();
-    document.writeSection(stepWith({file("a"), FileSpec::flate(latin1("b"), "content")}));
-    document.writeSection(stepWith({file("c")}));
+    document.writeSection(stepWith({fileNamed("a"), FileSpec::flate(latin1("b"), "content")}));
+    document.writeSection(stepWith({fileNamed("c")}));
     const MessageCapture capture;
     OpenedDocument opened(document);
     const QList<Summary> summaries = opened.summaries();
@@ -147,7 +120,7 @@ void TestSummaryCreator::stepWithoutSummary()
 void TestSummaryCreator::wholeSummary()
 {
     // Nothing but ids is changed in what is read.
-    const FileSpec a = file("a");
+    const FileSpec a = fileNamed("a");
     const QByteArray xml = "<!-- x --><trxchange><MD5Signature>s</MD5Signature>"
         + element("Workflowstep",
                   element("Title", " t ") + element("Comment", "") + FileElement(a).xml()
@@ -155,7 +128,7 @@ void TestSummaryCreator::wholeSummary()
                         "<UserAttributes><Attribute><Key>k</Key></Attribute></UserAttributes>")
         + "</trxchange>";
     DocumentWriter document = newDocument();
-    document.writeSection(stepWith({file("other"), a, summaryFile(xml)}));
+    document.writeSection(stepWith({fileNamed("other"), a, summaryFile(xml)}));
     document.writeSection(stepWith({}));
 
     MessageCapture capture;
@@ -172,7 +145,7 @@ void TestSummaryCreator::summaryOfSeveralSteps()
 {
     // A step without files of its own that reaches back over another one has its files, the
     // summary among them.
-    const FileSpec a = file("a");
+    const FileSpec a = fileNamed("a");
     DocumentWriter document = newDocument();
     const auto first = document.writeSection(
         stepWith({a, summaryFile(summaryXml(element("Title", "shared") + FileElement(a).xml()))}));
@@ -192,10 +165,10 @@ void TestSummaryCreator::summaryOfSeveralSteps()
 void TestSummaryCreator::unmatchedFiles()
 {
     DocumentWriter document = newDocument();
-    document.writeFile(file("first"));
-    document.writeSection(stepWith({file("in a step"), titledSummary("summary")}));
+    document.writeFile(fileNamed("first"));
+    document.writeSection(stepWith({fileNamed("in a step"), titledSummary("summary")}));
     document.writeFile(FileSpec::flate(latin1("second"), "content"));
-    document.writeFile(file("third"));
+    document.writeFile(fileNamed("third"));
     const MessageCapture capture;
     OpenedDocument opened(document);
     const QList<Summary> summaries = opened.summaries();
@@ -212,7 +185,7 @@ void TestSummaryCreator::unmatchedFiles()
 void TestSummaryCreator::unmatchedFilesAlone()
 {
     DocumentWriter document = newDocument();
-    document.writeFile(file("a"));
+    document.writeFile(fileNamed("a"));
     const QList<Summary> summaries = OpenedDocument(document).summaries();
     QCOMPARE(titles(summaries), QStringList{latin1("<unmatched files>")});
     QCOMPARE(summaries.at(0).tagId, 0);
@@ -231,7 +204,7 @@ void TestSummaryCreator::summaryInNoStep()
 
 void TestSummaryCreator::creatorHasNoState()
 {
-    const FileSpec a = file("a");
+    const FileSpec a = fileNamed("a");
     DocumentWriter document = newDocument();
     document.writeSection(stepWith({a, summaryFile(summaryXml(FileElement(a).xml()))}));
     OpenedDocument opened(document);

@@ -1,3 +1,4 @@
+#include "AlikeFiles.h"
 #include "CreatorModel.h"
 #include "DebugLines.h"
 #include "OpenedDocument.h"
@@ -8,6 +9,7 @@
 #include <QTest>
 
 using tresk::Summary;
+using tresktest::AlikeFiles;
 using tresktest::CreatorModel;
 using tresktest::DocumentWriter;
 using tresktest::element;
@@ -19,11 +21,25 @@ using tresktest::textOf;
 
 namespace {
 
+class RandomChoices {
+public:
+    explicit RandomChoices(QRandomGenerator& random)
+        : m_random(random)
+    {
+    }
+
+    int below(int count) { return m_random.bounded(count); }
+
+private:
+    QRandomGenerator& m_random;
+};
+
 /// Puts documents together in which many files are alike.
 class Maker {
 public:
     explicit Maker(QRandomGenerator& random)
-        : m_random(random)
+        : m_choices(random)
+        , m_files(m_choices)
     {
     }
 
@@ -31,67 +47,28 @@ public:
     {
         DocumentWriter document = tresktest::newDocument();
         int lastStart = document.position();
-        for (int i = number(0, 4); i > 0; --i) {
-            if (oneIn(4))
-                document.writeFile(oneIn(8) ? summaryOf({}) : file());
+        for (int i = m_choices.below(5); i > 0; --i) {
+            if (m_files.oneIn(4))
+                document.writeFile(m_files.oneIn(8) ? summaryOf({}) : m_files.file());
             SectionSpec section = tresktest::stepWith(filesOfStep());
             section.creator = QStringLiteral("creator %1").arg(i);
-            if (oneIn(4))
+            if (m_files.oneIn(4))
                 section.regionStart = lastStart;
             lastStart = document.position();
             document.writeSection(section);
         }
-        if (oneIn(4))
-            document.writeFile(file());
+        if (m_files.oneIn(4))
+            document.writeFile(m_files.file());
         return document;
     }
 
 private:
-    int number(int from, int to) { return m_random.bounded(from, to + 1); }
-    bool oneIn(int count) { return m_random.bounded(count) == 0; }
-    QByteArray oneOf(const QList<QByteArray>& list)
-    {
-        return list.at(m_random.bounded(static_cast<int>(list.size())));
-    }
-
-    QByteArray digest() { return oneOf({QByteArray(32, 'a'), QByteArray(32, 'b')}); }
-
-    FileSpec file()
-    {
-        FileSpec file = FileSpec::plain(QStringLiteral("a"), oneOf({"", "x", "y"}));
-        if (oneIn(3))
-            file.compression = "flate";
-        if (oneIn(3))
-            file.desc = QStringLiteral("description");
-        if (oneIn(3))
-            file.comment = QStringLiteral("comment");
-        if (oneIn(3))
-            file.with("md5cfile", digest());
-        if (oneIn(3))
-            file.with("filename", oneOf({"a>-<b", "a>-<" + digest(), "ws_summary.xml"}));
-        if (oneIn(3))
-            file.with("md5file", oneIn(2) ? digest() : QByteArray());
-        if (oneIn(8))
-            file.with("filesize", QByteArray());
-        return file;
-    }
-
     FileElement elementOf(const FileSpec& file)
     {
-        FileElement element(file, oneIn(2) ? "InFile" : "OutFile");
-        if (oneIn(6))
-            element.with("Embedded", "0");
-        if (oneIn(6))
-            element.with(oneOf({"Description", "Comment", "Filetype"}), "description");
-        if (oneIn(6))
-            element.with(oneOf({"CompressedSize", "CompressedMD5", "CompressedMethod"}), "1");
-        if (oneIn(6))
-            element.with("Filename", "a");
-        if (oneIn(6))
-            element.with("UncompressedMD5", oneOf({digest(), "b>-<" + digest(), digest() + ">-<"}));
-        if (oneIn(8))
+        FileElement element = m_files.descriptionOf(file);
+        if (m_files.oneIn(8))
             element.with("Unknown", "x");
-        if (file.raw.value("filename") == "a>-<b" && oneIn(2)) {
+        if (file.raw.value("filename") == "a>-<b" && m_files.oneIn(2)) {
             // Another name and checksum with the same key.
             const QByteArray md5 = file.raw.value("md5file", tresktest::md5Hex(file.content));
             element.with("Filename", "a").with("UncompressedMD5", "b>-<" + md5);
@@ -102,30 +79,27 @@ private:
     FileSpec summaryOf(const QVector<FileSpec>& files)
     {
         QByteArray content = element("Title", "summary");
-        for (int i = number(0, 8); i > 0; --i) {
-            const int which = number(0, static_cast<int>(files.size()));
-            content += elementOf(which < files.size() ? files.at(which) : file()).xml();
+        for (int i = m_choices.below(9); i > 0; --i) {
+            const int which = m_choices.below(static_cast<int>(files.size()) + 1);
+            content += elementOf(which < files.size() ? files.at(which) : m_files.file()).xml();
         }
         QByteArray xml = tresktest::summaryXml(content);
-        if (oneIn(5))
-            xml = oneOf({"", "<trxchange/>", "<trxchange><Workflowstep/></trxchange>", "<a>"});
-        FileSpec summary = tresktest::summaryFile(xml);
-        if (oneIn(3))
-            summary.compression = oneIn(3) ? "lzma" : "flate";
-        return summary;
+        if (m_files.oneIn(5))
+            xml = m_files.oneOf(
+                {"", "<trxchange/>", "<trxchange><Workflowstep/></trxchange>", "<a>"});
+        return m_files.summary(xml);
     }
 
     QVector<FileSpec> filesOfStep()
     {
-        QVector<FileSpec> files;
-        for (int i = number(0, 6); i > 0; --i)
-            files += files.isEmpty() || oneIn(2) ? file() : files.last();
-        if (!oneIn(6))
+        QVector<FileSpec> files = m_files.files(7);
+        if (!m_files.oneIn(6))
             files += summaryOf(files);
         return files;
     }
 
-    QRandomGenerator& m_random;
+    RandomChoices m_choices;
+    AlikeFiles<RandomChoices> m_files;
 };
 
 int tied(const QList<Summary>& summaries)

@@ -1,4 +1,6 @@
 #include "DebugLines.h"
+#include "Latin1.h"
+#include "StepXml.h"
 #include "SummaryText.h"
 
 #include <tresk/SummaryReader.h>
@@ -8,39 +10,14 @@
 using tresk::FileSummary;
 using tresk::Summary;
 using tresk::SummaryReader;
+using tresktest::documentOf;
+using tresktest::element;
+using tresktest::emptyStep;
+using tresktest::latin1;
 using tresktest::MessageCapture;
 using tresktest::textOf;
 
 namespace {
-
-QString latin1(const char* text)
-{
-    return QString::fromLatin1(text);
-}
-
-QString element(const char* name, const QString& content)
-{
-    return QStringLiteral("<%1>%2</%1>").arg(latin1(name), content);
-}
-
-QString element(const char* name, const char* content)
-{
-    return element(name, latin1(content));
-}
-
-QString document(const QString& step)
-{
-    return element("trxchange", element("Workflowstep", step));
-}
-
-/// A step without content as it is read.
-Summary emptyStep()
-{
-    Summary summary;
-    summary.tagId = -1;
-    summary.fromXml = true;
-    return summary;
-}
 
 const char oddText[] = "  A &amp; &lt;B&gt; <b>\n\t%1</b> ";
 
@@ -88,11 +65,12 @@ void TestSummaryDocument::signature()
 void TestSummaryDocument::signatureOutsideItsPlace()
 {
     const MessageCapture capture;
-    QVERIFY(
-        SummaryReader().readSummary(document(element("MD5Signature", "x"))).md5Signature.isNull());
+    QVERIFY(SummaryReader()
+                .readSummary(documentOf(element("MD5Signature", "x")))
+                .md5Signature.isNull());
     QCOMPARE(tresktest::debugLines(capture),
              QStringList{latin1("unknown tag (parseWorkflowstep): \"MD5Signature\" : \"x\"")});
-    const Summary behind = SummaryReader().readSummary(document(QString())
+    const Summary behind = SummaryReader().readSummary(documentOf(QString())
                                                        + element("MD5Signature", "x"));
     QVERIFY(behind.md5Signature.isNull());
 }
@@ -117,7 +95,7 @@ void TestSummaryDocument::documents()
     const MessageCapture capture;
     Summary expected = emptyStep();
     expected.title = latin1("x");
-    const QString text = before + document(element("Title", "x")) + behind;
+    const QString text = before + documentOf(element("Title", "x")) + behind;
     QCOMPARE(textOf(SummaryReader().readSummary(text)), textOf(expected));
     // What stands beside the document is no matter of debug lines.
     QCOMPARE(tresktest::debugLines(capture), QStringList());
@@ -169,7 +147,7 @@ void TestSummaryDocument::emptyDocuments()
 void TestSummaryDocument::firstTrxchangeCounts()
 {
     const QString empty = latin1("<trxchange/>");
-    const QString full = document(element("Title", "x"));
+    const QString full = documentOf(element("Title", "x"));
     QVERIFY(SummaryReader().readSummary(empty + full).title.isNull());
     QCOMPARE(SummaryReader().readSummary(full + empty).title, latin1("x"));
 }
@@ -192,7 +170,7 @@ void TestSummaryDocument::laterWorkflowstepReplaces()
 void TestSummaryDocument::readerHasNoState()
 {
     SummaryReader reader;
-    const QString text = document(element("Title", "x") + element("InFile", ""));
+    const QString text = documentOf(element("Title", "x") + element("InFile", ""));
     const QStringList first = textOf(reader.readSummary(text));
     QCOMPARE(textOf(reader.readSummary(QString())), textOf(Summary()));
     QCOMPARE(textOf(reader.readSummary(text)), first);

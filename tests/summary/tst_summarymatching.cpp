@@ -1,4 +1,5 @@
 #include "DebugLines.h"
+#include "Latin1.h"
 #include "OpenedDocument.h"
 #include "SummaryText.h"
 #include "SummaryXml.h"
@@ -18,6 +19,7 @@ using tresktest::DocumentWriter;
 using tresktest::element;
 using tresktest::FileElement;
 using tresktest::FileSpec;
+using tresktest::latin1;
 using tresktest::newDocument;
 using tresktest::OpenedDocument;
 using tresktest::SectionSpec;
@@ -26,11 +28,6 @@ using tresktest::summaryFile;
 using tresktest::summaryXml;
 
 namespace {
-
-QString latin1(const char* text)
-{
-    return QString::fromLatin1(text);
-}
 
 /// A file in whose marker no value is empty.
 FileSpec file(const char* name = "name", const QByteArray& content = "content")

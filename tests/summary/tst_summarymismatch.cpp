@@ -1,4 +1,5 @@
 #include "DebugLines.h"
+#include "Latin1.h"
 #include "OpenedDocument.h"
 #include "SummaryText.h"
 #include "SummaryXml.h"
@@ -11,7 +12,10 @@ using tresk::Summary;
 using tresktest::DocumentWriter;
 using tresktest::element;
 using tresktest::FileElement;
+using tresktest::fileNamed;
 using tresktest::FileSpec;
+using tresktest::latin1;
+using tresktest::latin1List;
 using tresktest::MessageCapture;
 using tresktest::newDocument;
 using tresktest::OpenedDocument;
@@ -22,16 +26,6 @@ using tresktest::summaryXml;
 using tresktest::textOf;
 
 namespace {
-
-QString latin1(const char* text)
-{
-    return QString::fromLatin1(text);
-}
-
-FileSpec file(const char* name)
-{
-    return FileSpec::plain(latin1(name), "content");
-}
 
 /// A summary document in which there is no step.
 FileSpec summaryWithoutStep()
@@ -44,14 +38,6 @@ QStringList names(const Summary& summary)
     QStringList result;
     for (const tresk::FileSummary& file : summary.files)
         result += file.filename;
-    return result;
-}
-
-QStringList list(std::initializer_list<const char*> texts)
-{
-    QStringList result;
-    for (const char* text : texts)
-        result += latin1(text);
     return result;
 }
 
@@ -97,15 +83,15 @@ private Q_SLOTS:
 void TestSummaryMismatch::withStepNothingIsAdded()
 {
     // Neither to the newest step nor to an older one.
-    const FileSpec named = file("named");
+    const FileSpec named = fileNamed("named");
     const FileSpec summary = summaryFile(summaryXml(FileElement(named).xml()));
     DocumentWriter document = newDocument();
-    document.writeSection(stepWith({file("a"), named, summary}));
-    document.writeSection(stepWith({file("b"), named, summary}));
+    document.writeSection(stepWith({fileNamed("a"), named, summary}));
+    document.writeSection(stepWith({fileNamed("b"), named, summary}));
     const MessageCapture capture;
     const QList<Summary> summaries = OpenedDocument(document).summaries();
-    QCOMPARE(names(summaries.at(0)), list({"named"}));
-    QCOMPARE(names(summaries.at(1)), list({"named"}));
+    QCOMPARE(names(summaries.at(0)), latin1List({"named"}));
+    QCOMPARE(names(summaries.at(1)), latin1List({"named"}));
     QCOMPARE(tresktest::debugLines(capture), QStringList());
 }
 
@@ -114,8 +100,8 @@ void TestSummaryMismatch::newestWithoutStep()
     FileSpec a = FileSpec::flate(latin1("a"), "content");
     a.desc = latin1("a description");
     DocumentWriter document = newDocument();
-    document.writeSection(stepWith({file("older")}));
-    document.writeSection(stepWith({a, file("b"), summaryWithoutStep()}));
+    document.writeSection(stepWith({fileNamed("older")}));
+    document.writeSection(stepWith({a, fileNamed("b"), summaryWithoutStep()}));
     OpenedDocument opened(document);
     Summary expected;
     expected.tagId = 0;
@@ -124,8 +110,8 @@ void TestSummaryMismatch::newestWithoutStep()
         expected.files += tresk::makeFileSummaryFromFileTag(*opened.parser.getFile(id));
     const QList<Summary> summaries = summariesOf(document);
     QCOMPARE(textOf(summaries.at(1)), textOf(expected));
-    QCOMPARE(names(expected), list({"a", "b", "ws_summary.xml"}));
-    QCOMPARE(names(summaries.at(0)), list({"older"}));
+    QCOMPARE(names(expected), latin1List({"a", "b", "ws_summary.xml"}));
+    QCOMPARE(names(summaries.at(0)), latin1List({"older"}));
 }
 
 void TestSummaryMismatch::noSummaryElement_data()
@@ -152,25 +138,25 @@ void TestSummaryMismatch::noSummaryElement()
     QFETCH(bool, fromXml);
     QFETCH(bool, added);
     DocumentWriter document = newDocument();
-    document.writeSection(stepWith({file("a"), summaryFile(xml)}));
+    document.writeSection(stepWith({fileNamed("a"), summaryFile(xml)}));
     const Summary summary = summariesOf(document).at(0);
     QCOMPARE(summary.fromXml, fromXml);
-    QCOMPARE(names(summary), added ? list({"a", "ws_summary.xml"}) : QStringList());
+    QCOMPARE(names(summary), added ? latin1List({"a", "ws_summary.xml"}) : QStringList());
 }
 
 void TestSummaryMismatch::olderWithoutStep()
 {
     // It gets the files of the newest section, not its own.
     DocumentWriter document = newDocument();
-    document.writeSection(stepWith({file("old"), summaryWithoutStep()}));
-    document.writeSection(stepWith({file("middle")}));
-    document.writeSection(stepWith({file("new"), file("newer")}));
+    document.writeSection(stepWith({fileNamed("old"), summaryWithoutStep()}));
+    document.writeSection(stepWith({fileNamed("middle")}));
+    document.writeSection(stepWith({fileNamed("new"), fileNamed("newer")}));
     const QList<Summary> summaries = summariesOf(document);
     QCOMPARE(summaries.at(0).tagId, 2);
-    QCOMPARE(names(summaries.at(0)), list({"new", "newer"}));
+    QCOMPARE(names(summaries.at(0)), latin1List({"new", "newer"}));
     QCOMPARE(summaries.at(0).files.at(0).tagId, 3);
-    QCOMPARE(names(summaries.at(1)), list({"middle"}));
-    QCOMPARE(names(summaries.at(2)), list({"new", "newer"}));
+    QCOMPARE(names(summaries.at(1)), latin1List({"middle"}));
+    QCOMPARE(names(summaries.at(2)), latin1List({"new", "newer"}));
 }
 
 void TestSummaryMismatch::severalWithoutStep()
@@ -182,7 +168,7 @@ void TestSummaryMismatch::severalWithoutStep()
     const QList<Summary> summaries = summariesOf(document);
     QCOMPARE(summaries.size(), 3);
     for (const Summary& summary : summaries) {
-        QCOMPARE(names(summary), list({"ws_summary.xml"}));
+        QCOMPARE(names(summary), latin1List({"ws_summary.xml"}));
         QCOMPARE(summary.files.at(0).tagId, 2);
     }
 }
@@ -191,25 +177,25 @@ void TestSummaryMismatch::newestWithItsOwnSummary()
 {
     // What the newest summary names is tied after the older ones had their turn, and so are
     // files of the same name and content elsewhere.
-    const FileSpec a = file("a");
+    const FileSpec a = fileNamed("a");
     const FileSpec summary = summaryFile(summaryXml(FileElement(a).xml()));
     DocumentWriter document = newDocument();
     document.writeSection(stepWith({a, summaryWithoutStep()}));
     document.writeSection(stepWith({a, summary}));
     document.writeSection(stepWith({a, summary}));
     const QList<Summary> summaries = summariesOf(document);
-    QCOMPARE(names(summaries.at(0)), list({"a", "ws_summary.xml"}));
+    QCOMPARE(names(summaries.at(0)), latin1List({"a", "ws_summary.xml"}));
     QCOMPARE(summaries.at(0).files.at(0).tagId, 4);
-    QCOMPARE(names(summaries.at(1)), list({"a"}));
+    QCOMPARE(names(summaries.at(1)), latin1List({"a"}));
     QCOMPARE(summaries.at(1).files.at(0).tagId, 2);
-    QCOMPARE(names(summaries.at(2)), list({"a"}));
+    QCOMPARE(names(summaries.at(2)), latin1List({"a"}));
     QCOMPARE(summaries.at(2).files.at(0).tagId, 4);
 }
 
 void TestSummaryMismatch::newestWithoutFiles()
 {
     DocumentWriter document = newDocument();
-    document.writeSection(stepWith({file("a"), summaryWithoutStep()}));
+    document.writeSection(stepWith({fileNamed("a"), summaryWithoutStep()}));
     document.writeSection(stepWith({}));
     const MessageCapture capture;
     const QList<Summary> summaries = OpenedDocument(document).summaries();
@@ -222,31 +208,31 @@ void TestSummaryMismatch::newestThatReachesBack()
 {
     // Files of an older step that lie in the newest section, too, are added as such of it.
     DocumentWriter document = newDocument();
-    const auto first = document.writeSection(stepWith({file("a"), summaryWithoutStep()}));
-    SectionSpec second = stepWith({file("b")});
+    const auto first = document.writeSection(stepWith({fileNamed("a"), summaryWithoutStep()}));
+    SectionSpec second = stepWith({fileNamed("b")});
     second.regionStart = first.regionStart;
     document.writeSection(second);
     const QList<Summary> summaries = summariesOf(document);
-    QCOMPARE(names(summaries.at(0)), list({"a", "ws_summary.xml", "b"}));
+    QCOMPARE(names(summaries.at(0)), latin1List({"a", "ws_summary.xml", "b"}));
     QCOMPARE(textOf(summaries.at(0)).filter(latin1("tagId")),
-             list({"tagId: 1", "  tagId: 0", "  tagId: 1", "  tagId: 2"}));
+             latin1List({"tagId: 1", "  tagId: 0", "  tagId: 1", "  tagId: 2"}));
 }
 
 void TestSummaryMismatch::twoStepsInOneDocument()
 {
     // Once there was a step element, there is nothing to add, also if the last one was empty.
-    const QByteArray steps = element("Workflowstep", FileElement(file("a")).xml())
+    const QByteArray steps = element("Workflowstep", FileElement(fileNamed("a")).xml())
         + "<Workflowstep/>";
     DocumentWriter document = newDocument();
-    document.writeSection(stepWith({file("a"), summaryFile(element("trxchange", steps))}));
+    document.writeSection(stepWith({fileNamed("a"), summaryFile(element("trxchange", steps))}));
     QVERIFY(summariesOf(document).at(0).files.isEmpty());
 }
 
 void TestSummaryMismatch::linesInOrder()
 {
     DocumentWriter document = newDocument();
-    document.writeSection(stepWith({file("old"), summaryWithoutStep()}));
-    document.writeSection(stepWith({file("b"), file("a"), summaryWithoutStep()}));
+    document.writeSection(stepWith({fileNamed("old"), summaryWithoutStep()}));
+    document.writeSection(stepWith({fileNamed("b"), fileNamed("a"), summaryWithoutStep()}));
     OpenedDocument opened(document);
     QStringList expected;
     for (int id = 2; id <= 4; ++id)
@@ -262,7 +248,7 @@ void TestSummaryMismatch::linesInOrder()
 void TestSummaryMismatch::categoryCanBeSwitchedOff()
 {
     DocumentWriter document = newDocument();
-    document.writeSection(stepWith({file("a"), summaryWithoutStep()}));
+    document.writeSection(stepWith({fileNamed("a"), summaryWithoutStep()}));
     OpenedDocument opened(document);
     const MessageCapture capture;
     QLoggingCategory::setFilterRules(latin1("tresk.debug=false"));
@@ -277,12 +263,12 @@ void TestSummaryMismatch::contentOutsideTheDocument()
 {
     // A range that is not wholly in the document reads as empty, which is not unreadable.
     DocumentWriter document = newDocument();
-    document.writeSection(
-        stepWith({file("a"), summaryFile(summaryXml(QByteArray())).with("cfilesize", "1000000")}));
+    document.writeSection(stepWith(
+        {fileNamed("a"), summaryFile(summaryXml(QByteArray())).with("cfilesize", "1000000")}));
     const Summary summary = summariesOf(document).at(0);
     QVERIFY(!summary.fromXml);
     QVERIFY(summary.title.isNull());
-    QCOMPARE(names(summary), list({"a", "ws_summary.xml"}));
+    QCOMPARE(names(summary), latin1List({"a", "ws_summary.xml"}));
 }
 
 QTEST_GUILESS_MAIN(TestSummaryMismatch)

@@ -1,4 +1,5 @@
 #include "DebugLines.h"
+#include "Latin1.h"
 
 #include <tresk/SummaryCreator.h>
 
@@ -9,22 +10,11 @@ using tresk::FileSummary;
 using tresk::printFileSummary;
 using tresk::printSummary;
 using tresk::Summary;
+using tresktest::latin1;
+using tresktest::latin1List;
 using tresktest::MessageCapture;
 
 namespace {
-
-QString latin1(const char* text)
-{
-    return QString::fromLatin1(text);
-}
-
-QStringList list(std::initializer_list<const char*> texts)
-{
-    QStringList result;
-    for (const char* text : texts)
-        result += latin1(text);
-    return result;
-}
 
 QStringList printed(const Summary& summary)
 {
@@ -63,7 +53,7 @@ FileSummary filledFile()
     file.compressedMD5 = latin1("another digest");
     file.userAttributes = {{latin1("key"), latin1("value")}};
     file.userAttributeUnits = {{latin1("key"), latin1("not shown")}};
-    file.userAttributeNames = list({"key", "not shown"});
+    file.userAttributeNames = latin1List({"key", "not shown"});
     file.filePurpose = latin1("OutFile");
     file.state = 77;
     return file;
@@ -71,7 +61,7 @@ FileSummary filledFile()
 
 QStringList filledFileLines()
 {
-    return list({
+    return latin1List({
         "  TagID 12",
         "  Filename \"a name\"",
         "  Filepath \"a/path\"",
@@ -97,7 +87,7 @@ QStringList filledFileLines()
 
 QStringList defaultFileLines()
 {
-    return list({
+    return latin1List({
         "  TagID -1",
         "  Filename \"\"",
         "  Filepath \"\"",
@@ -164,7 +154,7 @@ void TestSummaryPrinting::flagsOfAFile()
 
 void TestSummaryPrinting::defaultSummary()
 {
-    const QStringList expected = list({
+    const QStringList expected = latin1List({
         "TagID 0",
         "TreskRootFile: \"\"",
         "Timestamp: \"\"",
@@ -213,11 +203,11 @@ void TestSummaryPrinting::filledSummary()
     summary.files = QList<FileSummary>{::filledFile(), FileSummary()};
     summary.userAttributes = {{latin1("step key"), latin1("step value")}};
     summary.userAttributeUnits = {{latin1("step key"), latin1("not shown")}};
-    summary.userAttributeNames = list({"step key", "not shown"});
+    summary.userAttributeNames = latin1List({"step key", "not shown"});
     summary.md5Signature = latin1("a signature");
     summary.fromXml = true;
 
-    const QStringList before = list({
+    const QStringList before = latin1List({
         "TagID 6",
         "TreskRootFile: \"root\"",
         "Timestamp: \"now\"",
@@ -237,7 +227,7 @@ void TestSummaryPrinting::filledSummary()
         "PDFProducer: \"pdf producer\"",
         "PDFCreator: \"pdf creator\"",
     });
-    const QStringList behind = list({
+    const QStringList behind = latin1List({
         "Step User Attributes: QHash((\"step key\", \"step value\"))",
         "Summary MD5: \"a signature\"",
     });

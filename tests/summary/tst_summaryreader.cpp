@@ -1,4 +1,6 @@
 #include "DebugLines.h"
+#include "Latin1.h"
+#include "StepXml.h"
 #include "SummaryText.h"
 
 #include <tresk/SummaryReader.h>
@@ -11,7 +13,11 @@ using tresk::FileSummary;
 using tresk::Summary;
 using tresk::SummaryReader;
 using tresk::Workflowstep;
+using tresktest::element;
+using tresktest::emptyStep;
+using tresktest::latin1;
 using tresktest::MessageCapture;
+using tresktest::readStep;
 using tresktest::textOf;
 
 using StepText = QString Workflowstep::*;
@@ -25,45 +31,10 @@ Q_DECLARE_METATYPE(FileFlag)
 
 namespace {
 
-QString latin1(const char* text)
-{
-    return QString::fromLatin1(text);
-}
-
-QString element(const char* name, const QString& content)
-{
-    return QStringLiteral("<%1>%2</%1>").arg(latin1(name), content);
-}
-
-QString element(const char* name, const char* content)
-{
-    return element(name, latin1(content));
-}
-
-QString document(const QString& step)
-{
-    return element("trxchange", element("Workflowstep", step));
-}
-
-/// What the reader makes of a step with content @p step; the signature is not part of it.
-Summary readStep(const QString& step)
-{
-    return SummaryReader().readSummary(document(step));
-}
-
 FileSummary readFile(const QString& content)
 {
     const Summary summary = readStep(element("InFile", content));
     return summary.files.size() == 1 ? summary.files.at(0) : FileSummary();
-}
-
-/// A step without content as it is read.
-Summary emptyStep()
-{
-    Summary summary;
-    summary.tagId = -1;
-    summary.fromXml = true;
-    return summary;
 }
 
 /// A file without content as it is read.

@@ -1,3 +1,5 @@
+#include "Latin1.h"
+
 #include <tresk/SummaryReader.h>
 
 #include <QLoggingCategory>
@@ -5,13 +7,9 @@
 
 using tresk::Summary;
 using tresk::SummaryReader;
+using tresktest::latin1;
 
 namespace {
-
-QString latin1(const char* text)
-{
-    return QString::fromLatin1(text);
-}
 
 QString repeated(const char* text, int count)
 {

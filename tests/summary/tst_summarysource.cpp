@@ -1,4 +1,5 @@
 #include "DebugLines.h"
+#include "Latin1.h"
 #include "OpenedDocument.h"
 #include "SummaryText.h"
 #include "SummaryXml.h"
@@ -10,11 +11,13 @@
 using tresk::Summary;
 using tresk::SummaryBudget;
 using tresk::SummaryCreator;
-using tresk::TreskParser;
 using tresktest::DocumentWriter;
 using tresktest::element;
 using tresktest::FileElement;
+using tresktest::fileNamed;
 using tresktest::FileSpec;
+using tresktest::fromMarkers;
+using tresktest::latin1;
 using tresktest::MessageCapture;
 using tresktest::newDocument;
 using tresktest::OpenedDocument;
@@ -23,31 +26,10 @@ using tresktest::stepWith;
 using tresktest::summaryFile;
 using tresktest::summaryXml;
 using tresktest::textOf;
+using tresktest::titledSummary;
+using tresktest::titles;
 
 namespace {
-
-QString latin1(const char* text)
-{
-    return QString::fromLatin1(text);
-}
-
-FileSpec file(const char* name, const QByteArray& content = "content")
-{
-    return FileSpec::plain(latin1(name), content);
-}
-
-FileSpec titledSummary(const QByteArray& title)
-{
-    return summaryFile(summaryXml(element("Title", title)));
-}
-
-QStringList titles(const QList<Summary>& summaries)
-{
-    QStringList result;
-    for (const Summary& summary : summaries)
-        result += summary.title;
-    return result;
-}
 
 /// The summary of one step with @p files.
 Summary summaryOf(const QVector<FileSpec>& files)
@@ -56,12 +38,6 @@ Summary summaryOf(const QVector<FileSpec>& files)
     document.writeSection(stepWith(files));
     const QList<Summary> summaries = OpenedDocument(document).summaries();
     return summaries.size() == 1 ? summaries.at(0) : Summary();
-}
-
-/// What section @p id of the document gives without a summary document.
-Summary fromMarkers(const TreskParser& parser, int id)
-{
-    return tresk::makeSummaryFromTags(*parser.getSection(id), parser.getFilesInSection(id));
 }
 
 } // namespace
@@ -114,12 +90,12 @@ void TestSummarySource::nameOfTheSummary()
     QFETCH(bool, isSummary);
     FileSpec summary = titledSummary("summary");
     summary.filename = name;
-    QCOMPARE(summaryOf({file("a"), summary}).fromXml, isSummary);
+    QCOMPARE(summaryOf({fileNamed("a"), summary}).fromXml, isSummary);
 }
 
 void TestSummarySource::summaryBeforeOtherFiles()
 {
-    const Summary summary = summaryOf({titledSummary("summary"), file("a")});
+    const Summary summary = summaryOf({titledSummary("summary"), fileNamed("a")});
     QCOMPARE(summary.title, latin1("marker"));
     QVERIFY(!summary.fromXml);
     QCOMPARE(summary.files.size(), 2);
@@ -131,7 +107,7 @@ void TestSummarySource::severalSummaries()
     // The last one is the summary; the other is a file that it may name.
     const FileSpec first = titledSummary("first");
     const Summary summary = summaryOf(
-        {file("a"), first,
+        {fileNamed("a"), first,
          summaryFile(summaryXml(element("Title", "second") + FileElement(first).xml()))});
     QCOMPARE(summary.title, latin1("second"));
     QCOMPARE(summary.files.size(), 1);
@@ -140,7 +116,7 @@ void TestSummarySource::severalSummaries()
 
 void TestSummarySource::summaryBehindTheMarker()
 {
-    SectionSpec section = stepWith({titledSummary("before"), file("a")});
+    SectionSpec section = stepWith({titledSummary("before"), fileNamed("a")});
     section.filesBehind = {titledSummary("behind")};
     DocumentWriter document = newDocument();
     document.writeSection(section);
@@ -159,7 +135,7 @@ void TestSummarySource::storedSummary()
     QFETCH(QByteArray, compression);
     FileSpec summary = titledSummary("summary");
     summary.compression = compression;
-    const Summary result = summaryOf({file("a"), summary});
+    const Summary result = summaryOf({fileNamed("a"), summary});
     QCOMPARE(result.title, latin1("summary"));
     QVERIFY(result.fromXml);
     QVERIFY(result.files.isEmpty());
@@ -192,7 +168,7 @@ void TestSummarySource::unreadableSummary()
     summary.with("filesize", filesize);
     DocumentWriter document = newDocument();
     document.writeSection(stepWith({titledSummary("readable")}));
-    document.writeSection(stepWith({file("a"), file("b"), summary}));
+    document.writeSection(stepWith({fileNamed("a"), fileNamed("b"), summary}));
 
     const MessageCapture capture;
     OpenedDocument opened(document);
@@ -223,7 +199,7 @@ void TestSummarySource::unusableSummary()
     QFETCH(QByteArray, xml);
     QFETCH(bool, fromXml);
     DocumentWriter document = newDocument();
-    document.writeSection(stepWith({file("a"), summaryFile(xml)}));
+    document.writeSection(stepWith({fileNamed("a"), summaryFile(xml)}));
     document.writeSection(stepWith({}));
     const MessageCapture capture;
     Summary expected;
@@ -367,7 +343,7 @@ void TestSummarySource::filesOfEachSection()
         const QByteArray names = QByteArray("<InFile/>").repeated(named);
         const FileSpec summary = summaryFile(summaryXml(element("Title", "summary") + names));
         document.writeSection(
-            stepWith(QVector<FileSpec>(9, file("a")) + QVector<FileSpec>{summary}));
+            stepWith(QVector<FileSpec>(9, fileNamed("a")) + QVector<FileSpec>{summary}));
         for (int i = 0; i < 4; ++i) {
             SectionSpec more = stepWith({});
             more.regionStart = start;

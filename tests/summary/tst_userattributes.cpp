@@ -1,4 +1,6 @@
 #include "DebugLines.h"
+#include "Latin1.h"
+#include "StepXml.h"
 #include "SummaryText.h"
 
 #include <tresk/SummaryReader.h>
@@ -7,26 +9,14 @@
 
 using tresk::FileSummary;
 using tresk::Summary;
-using tresk::SummaryReader;
+using tresktest::element;
+using tresktest::latin1;
+using tresktest::latin1List;
 using tresktest::MessageCapture;
+using tresktest::readStep;
 using tresktest::textOf;
 
 namespace {
-
-QString latin1(const char* text)
-{
-    return QString::fromLatin1(text);
-}
-
-QString element(const char* name, const QString& content)
-{
-    return QStringLiteral("<%1>%2</%1>").arg(latin1(name), content);
-}
-
-Summary readStep(const QString& step)
-{
-    return SummaryReader().readSummary(element("trxchange", element("Workflowstep", step)));
-}
 
 /// The lines that show the attributes of a step.
 QStringList attributesIn(const QString& step)
@@ -42,14 +32,6 @@ QStringList attributesOfFile(const QString& content)
     for (const FileSummary& file : summary.files)
         lines += textOf(file).filter(QStringLiteral("userAttribute"));
     return lines.replaceInStrings(QStringLiteral("  "), QString());
-}
-
-QStringList list(std::initializer_list<const char*> texts)
-{
-    QStringList result;
-    for (const char* text : texts)
-        result += latin1(text);
-    return result;
 }
 
 } // namespace
@@ -83,66 +65,66 @@ void TestUserAttributes::attributes_data()
     };
     add("none", "", {});
     add("one", "<Attribute><Key>k</Key><Value>v</Value></Attribute>",
-        list({"userAttributes: \"k\" -> \"v\"", "userAttributeNames: \"k\""}));
+        latin1List({"userAttributes: \"k\" -> \"v\"", "userAttributeNames: \"k\""}));
     add("with unit", "<Attribute><Key>k</Key><Value>v</Value><Unit>mm</Unit></Attribute>",
-        list({"userAttributes: \"k\" -> \"v\"", "userAttributeUnits: \"k\" -> \"mm\"",
-              "userAttributeNames: \"k\""}));
+        latin1List({"userAttributes: \"k\" -> \"v\"", "userAttributeUnits: \"k\" -> \"mm\"",
+                    "userAttributeNames: \"k\""}));
     add("any order", "<Attribute><Unit>mm</Unit><Value>v</Value><Key>k</Key></Attribute>",
-        list({"userAttributes: \"k\" -> \"v\"", "userAttributeUnits: \"k\" -> \"mm\"",
-              "userAttributeNames: \"k\""}));
+        latin1List({"userAttributes: \"k\" -> \"v\"", "userAttributeUnits: \"k\" -> \"mm\"",
+                    "userAttributeNames: \"k\""}));
     add("empty unit", "<Attribute><Key>k</Key><Value>v</Value><Unit/></Attribute>",
-        list({"userAttributes: \"k\" -> \"v\"", "userAttributeUnits: \"k\" -> \"\"",
-              "userAttributeNames: \"k\""}));
+        latin1List({"userAttributes: \"k\" -> \"v\"", "userAttributeUnits: \"k\" -> \"\"",
+                    "userAttributeNames: \"k\""}));
     add("empty value", "<Attribute><Key>k</Key><Value/></Attribute>",
-        list({"userAttributes: \"k\" -> \"\"", "userAttributeNames: \"k\""}));
+        latin1List({"userAttributes: \"k\" -> \"\"", "userAttributeNames: \"k\""}));
     add("no value", "<Attribute><Key>k</Key></Attribute>",
-        list({"userAttributes: \"k\" -> (null)", "userAttributeNames: \"k\""}));
+        latin1List({"userAttributes: \"k\" -> (null)", "userAttributeNames: \"k\""}));
     add("no key", "<Attribute><Value>v</Value><Unit>u</Unit></Attribute>",
-        list({"userAttributes: (null) -> \"v\"", "userAttributeUnits: (null) -> \"u\"",
-              "userAttributeNames: (null)"}));
+        latin1List({"userAttributes: (null) -> \"v\"", "userAttributeUnits: (null) -> \"u\"",
+                    "userAttributeNames: (null)"}));
     add("empty key", "<Attribute><Key/><Value>v</Value></Attribute>",
-        list({"userAttributes: \"\" -> \"v\"", "userAttributeNames: \"\""}));
+        latin1List({"userAttributes: \"\" -> \"v\"", "userAttributeNames: \"\""}));
     add("no content", "<Attribute/><Attribute></Attribute>",
-        list({"userAttributes: (null) -> (null)", "userAttributeNames: (null)",
-              "userAttributeNames: (null)"}));
+        latin1List({"userAttributes: (null) -> (null)", "userAttributeNames: (null)",
+                    "userAttributeNames: (null)"}));
     add("not trimmed", "<Attribute><Key> k </Key><Value> &amp; </Value></Attribute>",
-        list({"userAttributes: \" k \" -> \" &amp; \"", "userAttributeNames: \" k \""}));
+        latin1List({"userAttributes: \" k \" -> \" &amp; \"", "userAttributeNames: \" k \""}));
     add("several of a kind",
         "<Attribute><Key>x</Key><Key>k</Key><Value>1</Value><Unit>m</Unit><Value>2</Value>"
         "<Unit>mm</Unit></Attribute>",
-        list({"userAttributes: \"k\" -> \"2\"", "userAttributeUnits: \"k\" -> \"mm\"",
-              "userAttributeNames: \"k\""}));
+        latin1List({"userAttributes: \"k\" -> \"2\"", "userAttributeUnits: \"k\" -> \"mm\"",
+                    "userAttributeNames: \"k\""}));
     add("names in reading order",
         "<Attribute><Key>b</Key></Attribute><Attribute><Key>c</Key></Attribute>"
         "<Attribute><Key>a</Key></Attribute>",
-        list({"userAttributes: \"a\" -> (null)", "userAttributes: \"b\" -> (null)",
-              "userAttributes: \"c\" -> (null)", "userAttributeNames: \"b\"",
-              "userAttributeNames: \"c\"", "userAttributeNames: \"a\""}));
+        latin1List({"userAttributes: \"a\" -> (null)", "userAttributes: \"b\" -> (null)",
+                    "userAttributes: \"c\" -> (null)", "userAttributeNames: \"b\"",
+                    "userAttributeNames: \"c\"", "userAttributeNames: \"a\""}));
     add("repeated key",
         "<Attribute><Key>k</Key><Value>1</Value></Attribute>"
         "<Attribute><Key>l</Key><Value>2</Value></Attribute>"
         "<Attribute><Key>k</Key><Value>3</Value></Attribute>",
-        list({"userAttributes: \"k\" -> \"3\"", "userAttributes: \"l\" -> \"2\"",
-              "userAttributeNames: \"k\"", "userAttributeNames: \"l\"",
-              "userAttributeNames: \"k\""}));
+        latin1List({"userAttributes: \"k\" -> \"3\"", "userAttributes: \"l\" -> \"2\"",
+                    "userAttributeNames: \"k\"", "userAttributeNames: \"l\"",
+                    "userAttributeNames: \"k\""}));
     add("unit outlives its value",
         "<Attribute><Key>k</Key><Value>1</Value><Unit>mm</Unit></Attribute>"
         "<Attribute><Key>k</Key><Value>2</Value></Attribute>",
-        list({"userAttributes: \"k\" -> \"2\"", "userAttributeUnits: \"k\" -> \"mm\"",
-              "userAttributeNames: \"k\"", "userAttributeNames: \"k\""}));
+        latin1List({"userAttributes: \"k\" -> \"2\"", "userAttributeUnits: \"k\" -> \"mm\"",
+                    "userAttributeNames: \"k\"", "userAttributeNames: \"k\""}));
     add("repeated unit",
         "<Attribute><Key>k</Key><Unit>mm</Unit></Attribute>"
         "<Attribute><Key>k</Key><Unit>cm</Unit></Attribute>",
-        list({"userAttributes: \"k\" -> (null)", "userAttributeUnits: \"k\" -> \"cm\"",
-              "userAttributeNames: \"k\"", "userAttributeNames: \"k\""}));
+        latin1List({"userAttributes: \"k\" -> (null)", "userAttributeUnits: \"k\" -> \"cm\"",
+                    "userAttributeNames: \"k\"", "userAttributeNames: \"k\""}));
     add("fault in the list",
         "<Attribute><Key>a</Key></Attribute></x><Attribute><Key>b</Key></Attribute>",
-        list({"userAttributes: \"a\" -> (null)", "userAttributeNames: \"a\""}));
+        latin1List({"userAttributes: \"a\" -> (null)", "userAttributeNames: \"a\""}));
     add("fault in an attribute",
         "<Attribute><Key>a</Key></x><Value>1</Value></Attribute>"
         "<Attribute><Key>b</Key></Attribute>",
-        list({"userAttributes: \"a\" -> (null)", "userAttributes: \"b\" -> (null)",
-              "userAttributeNames: \"a\"", "userAttributeNames: \"b\""}));
+        latin1List({"userAttributes: \"a\" -> (null)", "userAttributes: \"b\" -> (null)",
+                    "userAttributeNames: \"a\"", "userAttributeNames: \"b\""}));
 }
 
 void TestUserAttributes::attributes()
@@ -161,7 +143,7 @@ void TestUserAttributes::laterListReplaces()
                                  "<Unit>m</Unit></Attribute></UserAttributes>");
     const QString second = latin1("<UserAttributes><Attribute><Key>b</Key><Value>2</Value>"
                                   "</Attribute></UserAttributes>");
-    const QStringList expected = list(
+    const QStringList expected = latin1List(
         {"userAttributes: \"b\" -> \"2\"", "userAttributeNames: \"b\""});
     QCOMPARE(attributesIn(first + second), expected);
     QCOMPARE(attributesOfFile(first + second), expected);
@@ -175,8 +157,8 @@ void TestUserAttributes::stepAndFileAreApart()
         latin1("<UserAttributes><Attribute><Key>s</Key></Attribute></UserAttributes>"
                "<InFile><UserAttributes><Attribute><Key>f</Key></Attribute></UserAttributes>"
                "</InFile><InFile/>"));
-    QCOMPARE(summary.userAttributeNames, list({"s"}));
-    QCOMPARE(summary.files.at(0).userAttributeNames, list({"f"}));
+    QCOMPARE(summary.userAttributeNames, latin1List({"s"}));
+    QCOMPARE(summary.files.at(0).userAttributeNames, latin1List({"f"}));
     QVERIFY(summary.files.at(1).userAttributeNames.isEmpty());
 }
 
@@ -241,7 +223,7 @@ void TestUserAttributes::debugLinesInOrder()
     const Summary summary = readStep(
         latin1("<A/><UserAttributes><B/><Attribute><C/></Attribute></UserAttributes>"
                "<InFile><D/></InFile><Title>x</Title><E/>"));
-    const QStringList expected = list({
+    const QStringList expected = latin1List({
         "unknown tag (parseWorkflowstep): \"A\" : \"\"",
         "unknown tag (parseUserAttributes): \"B\" : \"\"",
         "unknown tag (parseAttribute): \"C\" : \"\"",

@@ -1,6 +1,7 @@
 #include "../container/QueueEvents.h"
 #include "../summary/SummaryXml.h"
 #include "Histories.h"
+#include "Latin1.h"
 #include "Watched.h"
 
 #include <tresk/ArgfileReader.h>
@@ -22,22 +23,17 @@ using tresk::ExtractionQueue;
 using tresk::TreskParser;
 using tresk::ValidationQueue;
 using tresk::WorkflowTree;
-using tresktest::element;
 using tresktest::embedded;
 using tresktest::FileSpec;
 using tresktest::history;
 using tresktest::isWatched;
+using tresktest::latin1;
 using tresktest::nested;
 using tresktest::QueueEvents;
 using tresktest::step;
 using tresktest::TestDir;
 
 namespace {
-
-QString latin1(const char* text)
-{
-    return QString::fromLatin1(text);
-}
 
 QByteArray someBytes(int size)
 {

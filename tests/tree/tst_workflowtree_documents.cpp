@@ -1,5 +1,6 @@
 #include "../summary/SummaryXml.h"
 #include "Histories.h"
+#include "Latin1.h"
 
 #include <tresk/WorkflowTree.h>
 
@@ -13,6 +14,7 @@ using tresktest::embedded;
 using tresktest::FileElement;
 using tresktest::FileSpec;
 using tresktest::history;
+using tresktest::latin1;
 using tresktest::LogLines;
 using tresktest::nested;
 using tresktest::SectionSpec;
@@ -23,11 +25,6 @@ using tresktest::TestDir;
 using tresktest::textOf;
 
 namespace {
-
-QString latin1(const char* text)
-{
-    return QString::fromLatin1(text);
-}
 
 const QByteArray oneStep = history({step("embedded")});
 

@@ -1,4 +1,5 @@
 #include "Histories.h"
+#include "Latin1.h"
 
 #include <tresk/TreskParser.h>
 #include <tresk/WorkflowTree.h>
@@ -12,6 +13,7 @@ using tresktest::embedded;
 using tresktest::FileSpec;
 using tresktest::history;
 using tresktest::isOpen;
+using tresktest::latin1;
 using tresktest::LogLines;
 using tresktest::nested;
 using tresktest::readFile;
@@ -19,15 +21,6 @@ using tresktest::step;
 using tresktest::TemporaryFolder;
 using tresktest::TestDir;
 using tresktest::textOf;
-
-namespace {
-
-QString latin1(const char* text)
-{
-    return QString::fromLatin1(text);
-}
-
-} // namespace
 
 /// The files that a tree has opened.
 class TestWorkflowTreeFiles : public QObject {

@@ -1,5 +1,6 @@
 #include "../summary/SummaryXml.h"
 #include "Histories.h"
+#include "Latin1.h"
 #include "ProcessLimit.h"
 
 #include <tresk/TreskParser.h>
@@ -18,18 +19,16 @@ using tresk::WorkflowTreeLimits;
 using tresk::WorkflowTreeOmission;
 using tresktest::deflated;
 using tresktest::DocumentWriter;
-using tresktest::element;
 using tresktest::embedded;
-using tresktest::FileElement;
 using tresktest::FileSpec;
 using tresktest::history;
+using tresktest::latin1;
 using tresktest::LogLines;
 using tresktest::lowestFreeDescriptor;
 using tresktest::nested;
 using tresktest::ProcessLimit;
 using tresktest::SectionSpec;
 using tresktest::step;
-using tresktest::stepThatSays;
 using tresktest::TemporaryFolder;
 using tresktest::TestDir;
 using tresktest::textOf;
@@ -37,11 +36,6 @@ using tresktest::textOf;
 namespace {
 
 const QByteArray twoSteps = history({step("old"), step("new")});
-
-QString latin1(const char* text)
-{
-    return QString::fromLatin1(text);
-}
 
 FileSpec plain(const QByteArray& content)
 {
