@@ -129,6 +129,7 @@ void ReportPage::writeTimeline()
             "div", summary.timestamp.isEmpty() ? QStringLiteral("time unknown") : summary.timestamp,
             {{"class", QStringLiteral("soft")}});
         m_html.element("a", titleOf(step, summary), {{"href", linkTo(anchor)}});
+        m_html.text(QStringLiteral(" "));
         const QString who = userAndHost(summary);
         const bool areBoth = !summary.tool.isEmpty() && !who.isEmpty();
         m_html.element("div", summary.tool + (areBoth ? QStringLiteral(", ") : QString()) + who,
@@ -162,6 +163,7 @@ void ReportPage::writeTreeSteps(const QList<int>& steps)
         m_html.open("li", {{"data-of", anchor}});
         m_html.element("a", titleOf(step), {{"href", linkTo(anchor)}});
         m_html.element("span", circumstancesOf(step), {{"class", QStringLiteral("soft")}});
+        m_html.text(QStringLiteral(" "));
         const QList<Branch> branches = branchesOf(tree, id);
         for (const Branch& branch : branches) {
             m_html.open("div");
