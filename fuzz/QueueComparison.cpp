@@ -190,7 +190,11 @@ void QueueComparison::interfereWithValidation(int kind)
 
 void QueueComparison::interfereWithExtraction(int kind)
 {
-    const QHash<int, QString> targets = targetsOf({0, 0, 1, 1, 2, 3});
+    // None of those that the queues beside models write to.
+    const tresktest::TestDir& folder = m_surroundings.folder;
+    const QHash<int, QString> targets = {{0, folder.path(QStringLiteral("other 0"))},
+                                         {1, folder.path(QStringLiteral("other 1"))},
+                                         {2, folder.path(QStringLiteral("missing/other"))}};
     tresk::ExtractionQueue queue(parser());
     int left = 5;
     const auto change = [&] {
