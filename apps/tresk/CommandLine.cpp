@@ -40,31 +40,61 @@ QString parseError(const QCommandLineParser& parser)
     return text.left(1).toLower() + text.mid(1);
 }
 
-/// The first of @p options whose value is none of its choices; null if there is none.
-const Option* wrongChoice(const QCommandLineParser& parser, const std::vector<Option>& options)
+bool isWrongValue(const Option& option, const QString& value)
 {
-    const auto isWrong = [&](const Option& option) {
-        const QString name = QLatin1String(option.name);
-        if (option.kind != ValueKind::Choice || !parser.isSet(name))
-            return false;
-        const QString value = parser.value(name);
+    switch (option.kind) {
+    case ValueKind::Choice:
         return std::none_of(option.choices.begin(), option.choices.end(),
                             [&](const char* choice) { return value == QLatin1String(choice); });
-    };
-    const auto found = std::find_if(options.begin(), options.end(), isWrong);
-    return found == options.end() ? nullptr : &*found;
+    case ValueKind::File:
+    case ValueKind::Directory:
+        return value.isEmpty();
+    case ValueKind::Text:
+    case ValueKind::Command:
+        break;
+    }
+    return false;
 }
 
-/// Such as "a, b and c".
+/// Such as "a, b or c".
 QString listed(const std::vector<const char*>& words)
 {
     QString text = QLatin1String(words.front());
     for (size_t i = 1; i < words.size(); ++i) {
         const bool isLast = i + 1 == words.size();
-        text += isLast ? QStringLiteral(" and ") : QStringLiteral(", ");
+        text += isLast ? QStringLiteral(" or ") : QStringLiteral(", ");
         text += QLatin1String(words[i]);
     }
     return text;
+}
+
+/// What @p option takes, where @p value is something else.
+QString valueAdvice(const Option& option, const QString& value)
+{
+    const QString name = option.letter ? QLatin1Char('-') + QString(QLatin1Char(option.letter))
+                                       : QStringLiteral("--") + QLatin1String(option.name);
+    const QString advice = QStringLiteral("%1 takes %2");
+    if (option.kind == ValueKind::Choice)
+        return advice.arg(name, listed(option.choices)) + QStringLiteral(", not '%1'").arg(value);
+    return advice.arg(name,
+                      option.kind == ValueKind::File ? QStringLiteral("the path of a file")
+                                                     : QStringLiteral("a directory"));
+}
+
+/// What is wrong with the first value of @p options that is; empty if all are right.
+QString wrongValue(const QCommandLineParser& parser, const std::vector<Option>& options)
+{
+    for (const Option& option : options) {
+        if (!option.value)
+            continue;
+        const QStringList values = parser.values(QLatin1String(option.name));
+        const auto wrong = std::find_if(values.begin(), values.end(), [&](const QString& value) {
+            return isWrongValue(option, value);
+        });
+        if (wrong != values.end())
+            return valueAdvice(option, *wrong);
+    }
+    return {};
 }
 
 } // namespace
@@ -130,15 +160,12 @@ bool parseOptions(QCommandLineParser& parser, const Command* command, const QStr
         reportUsage(command, parseError(parser));
         return false;
     }
-    const Option* wrong = wrongChoice(parser, commonOptions());
-    if (!wrong && command)
-        wrong = wrongChoice(parser, command->options);
-    if (!wrong)
-        return true;
-    reportUsage(command,
-                QStringLiteral("'%1' is none of %2")
-                    .arg(parser.value(QLatin1String(wrong->name)), listed(wrong->choices)));
-    return false;
+    QString problem = wrongValue(parser, commonOptions());
+    if (problem.isEmpty() && command)
+        problem = wrongValue(parser, command->options);
+    if (!problem.isEmpty())
+        reportUsage(command, problem);
+    return problem.isEmpty();
 }
 
 bool checkArguments(const Command* command, const QStringList& arguments)

@@ -18,12 +18,13 @@ enum ExitCode { exitDone = 0, exitFailed = 1, exitTrouble = 2, exitSignal = 128 
 /// For a command that takes as many arguments as there are.
 constexpr int anyNumber = -1;
 
-/// What an option or an argument takes, for completion.
+/// What an option or an argument takes, for completion. Values of options are checked: paths are
+/// not empty, and a choice is one of the option's.
 enum class ValueKind {
     Text, ///< something that cannot be guessed
     File,
     Directory,
-    Choice, ///< one of the option's choices, which is checked
+    Choice, ///< one of the option's choices
     Command, ///< the name of one
 };
 

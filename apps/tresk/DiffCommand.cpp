@@ -124,9 +124,9 @@ Command diffCommand()
         "Where large histories differ so much that the best way of pairing their steps\n"
         "takes too long to find, a good one is shown, and a warning says so. What would\n"
         "go beyond the limits, which are those of 'tresk tree', is left out and reported,\n"
-        "and the exit code is 2.\n",
+        "and the exit code is 2. With --html, FILE is as for 'tresk report'.\n",
         "tresk diff minimal.pdf nested.pdf\n"
-        "tresk diff -n 3 minimal.pdf nested.pdf  # three ways of pairing them\n",
+        "tresk diff minimal.pdf nested.pdf --html comparison.html  # to look at\n",
         withTreeLimits({{'n', "number", "N", "show the N best ways of pairing steps, best first"},
                         {0, "dot", nullptr, "print a graph for Graphviz instead, of the best way"},
                         {0, "html", "FILE", "write a page for a browser to FILE, of the best way",

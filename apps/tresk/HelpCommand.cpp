@@ -9,7 +9,7 @@ namespace tresk::cli {
 namespace {
 
 const char* const closing =
-    "Exit codes: 0 done, 1 something is wrong, or nothing was found, 2 trouble.\n"
+    "Exit codes: 0 done, 1 something is wrong, differs or was not found, 2 trouble.\n"
     "'tresk COMMAND --help' explains a command, and 'man tresk-COMMAND' does.\n";
 
 QString entry(const QString& name, const char* purpose, int width)

@@ -73,7 +73,7 @@ QString PageFile::openTarget()
     const QByteArray path = resolved(toSystem(m_path));
     struct stat status = {};
     const bool exists = ::stat(path.constData(), &status) == 0;
-    if (!exists && (errno != ENOENT || path.isEmpty()))
+    if (!exists && errno != ENOENT)
         return systemError(errno);
     if (exists && !S_ISREG(status.st_mode)) {
         m_device = ::open(path.constData(), O_WRONLY | O_CLOEXEC | O_NOCTTY);

@@ -18,7 +18,8 @@ struct Invocation;
 /// without the option or where its value is "-".
 ///
 /// A file gets its name when it is complete, and replaces what has the name already, but keeps its
-/// permissions. A symbolic link stays and leads to the new file. Devices and pipes are written to.
+/// permissions. A symbolic link to a file stays and leads to the new one. Devices and pipes are
+/// written to.
 class PageFile {
 public:
     /// The invocation must outlive the object.

@@ -84,8 +84,9 @@ Command reportCommand()
             "is known of each step and its files, with the pictures that the document embeds\n"
             "and the state of its checksums.\n"
             "\n"
-            "FILE is replaced if it is there, unless it is the document. Embedded documents\n"
-            "are read within the limits of 'tresk tree'.\n",
+            "FILE is replaced if it is there, unless it is the document; '-' is standard\n"
+            "output. Embedded documents are read within the limits of 'tresk tree'. If a\n"
+            "check fails or a part of the history is missing, the page is made and says so.\n",
             "tresk report report.pdf -o report.html\n",
             withTreeLimits({{'o', "output", "FILE", "write to FILE instead of standard output",
                              ValueKind::File}}),
@@ -93,7 +94,10 @@ Command reportCommand()
             1,
             runReport,
             {ValueKind::File},
-            {{"1", "a checksum is wrong or missing, or what it is for damaged"}}};
+            {{"0", "done, and all checks are right"},
+             {"1", "a check fails, a checksum that is wrong or missing for instance"},
+             {"2", "trouble: wrong usage, a damaged document, a page not written"},
+             {"129, 130, 143", "ended by the signal HUP, INT or TERM, after cleaning up"}}};
 }
 
 } // namespace tresk::cli

@@ -127,8 +127,6 @@ QString applyToolOptions(const Invocation& invocation, TreskRunner& runner)
     QStringList paths = {QStringLiteral(".")};
     const QDir binaryDir(getBinaryDir());
     for (const QString& directory : invocation.values("search-path")) {
-        if (directory.isEmpty())
-            return QStringLiteral("--search-path takes a directory");
         if (isUndecoded(directory))
             return QStringLiteral("the directory of --search-path is not UTF-8");
         paths += binaryDir.relativeFilePath(absolutePath(directory));

@@ -405,7 +405,6 @@ void TestCommandReportFiles::fileThatCannotBeWritten_data()
 {
     QTest::addColumn<QString>("file");
     QTest::addColumn<QByteArray>("reason");
-    QTest::newRow("empty name") << QString() << QByteArray("No such file or directory");
     QTest::newRow("no folder") << text("missing/page.html")
                                << QByteArray("No such file or directory");
     QTest::newRow("under a file") << text("some.pdf/page.html") << QByteArray("Not a directory");

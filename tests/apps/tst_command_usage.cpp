@@ -53,7 +53,7 @@ void TestCommandUsage::wrongUsageIsExplained_data()
     row("-x log", "unknown option '-x'; see 'tresk --help'");
     row("--json log", "unknown option '--json'; see 'tresk --help'");
     row("--color", "missing value after '--color'; see 'tresk --help'");
-    row("--color=blue", "'blue' is none of auto, always and never; see 'tresk --help'");
+    row("--color=blue", "--color takes auto, always or never, not 'blue'; see 'tresk --help'");
     row("--quiet=yes log", "unexpected value after '--quiet'; see 'tresk --help'");
     row("log", "log: no DOC given; see 'tresk log --help'");
     row("log --json", "log: no DOC given; see 'tresk log --help'");
@@ -65,8 +65,9 @@ void TestCommandUsage::wrongUsageIsExplained_data()
     row("log -C dir a.pdf", "log: unknown option '-C'; see 'tresk log --help'");
     row("log --oneline=3 a.pdf", "log: unexpected value after '--oneline'; see 'tresk log --help'");
     row("log --color=blue a.pdf",
-        "log: 'blue' is none of auto, always and never; see 'tresk log --help'");
-    row("log --color= a.pdf", "log: '' is none of auto, always and never; see 'tresk log --help'");
+        "log: --color takes auto, always or never, not 'blue'; see 'tresk log --help'");
+    row("log --color= a.pdf",
+        "log: --color takes auto, always or never, not ''; see 'tresk log --help'");
     row("log a.pdf --color", "log: missing value after '--color'; see 'tresk log --help'");
     row("find", "find: no QUERY given; see 'tresk find --help'");
     row("find word", "find: no DOC or DIR given; see 'tresk find --help'");
@@ -74,6 +75,9 @@ void TestCommandUsage::wrongUsageIsExplained_data()
     row("report", "report: no DOC given; see 'tresk report --help'");
     row("report a.pdf b", "report: unexpected argument 'b'; see 'tresk report --help'");
     row("report a.pdf -o", "report: missing value after '-o'; see 'tresk report --help'");
+    row("report a.pdf --output=", "report: -o takes the path of a file; see 'tresk report --help'");
+    row("diff a.pdf b.pdf --html=",
+        "diff: --html takes the path of a file; see 'tresk diff --help'");
     row("files", "files: no DOC given; see 'tresk files --help'");
     row("files a.pdf 1", "files: unexpected argument '1'; see 'tresk files --help'");
     row("cat", "cat: no DOC given; see 'tresk cat --help'");
@@ -83,6 +87,7 @@ void TestCommandUsage::wrongUsageIsExplained_data()
     row("extract", "extract: no DOC given; see 'tresk extract --help'");
     row("extract a.pdf", "extract: no target directory given (-C DIR); see 'tresk extract --help'");
     row("extract a.pdf -C", "extract: missing value after '-C'; see 'tresk extract --help'");
+    row("extract a.pdf --directory=", "extract: -C takes a directory; see 'tresk extract --help'");
     row("extract a.pdf --dir=x", "extract: unknown option '--dir'; see 'tresk extract --help'");
     row("args", "args: no ARGFILE given; see 'tresk args --help'");
     row("args a b", "args: unexpected argument 'b'; see 'tresk args --help'");
@@ -95,8 +100,10 @@ void TestCommandUsage::wrongUsageIsExplained_data()
     row("add --json a", "add: unknown option '--json'; see 'tresk add --help'");
     row("add -D X=1 a", "add: unknown option '-D'; see 'tresk add --help'");
     row("add --color=blue a",
-        "add: 'blue' is none of auto, always and never; see 'tresk add --help'");
+        "add: --color takes auto, always or never, not 'blue'; see 'tresk add --help'");
     row("add --search-path= a", "add: --search-path takes a directory; see 'tresk add --help'");
+    row("undo --search-path=x --search-path= a",
+        "undo: --search-path takes a directory; see 'tresk undo --help'");
     row("undo", "undo: no ARGFILE given; see 'tresk undo --help'");
     row("undo a b", "undo: unexpected argument 'b'; see 'tresk undo --help'");
     row("undo a --search-path",
