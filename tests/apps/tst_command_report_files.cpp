@@ -86,6 +86,17 @@ QByteArray jpeg(quint16 width, quint16 height, const QByteArray& before = "abc")
         + QByteArray(12, '\1');
 }
 
+/// A JPEG of 65500 by 65500 pixels, with a marker in front of its frame. Whoever takes the next two
+/// bytes for the length of a segment comes to a frame of one pixel.
+QByteArray disguisedJpeg(const QByteArray& marker)
+{
+    const QByteArray frame = jpeg(65500, 65500).mid(9);
+    const int length = qFromBigEndian<quint16>((marker + frame).constData() + 2);
+    QByteArray content = "\xff\xd8" + marker + frame;
+    content += QByteArray(4 + length - int(content.size()), '\xff');
+    return content + jpeg(1, 1).mid(9);
+}
+
 QByteArray gif(quint16 width, quint16 height, quint16 frameWidth, quint16 frameHeight)
 {
     return "GIF89a" + littleEndian(width) + littleEndian(height) + QByteArray("\x80\0\0", 3)
@@ -225,6 +236,9 @@ void TestCommandReportFiles::picturesOutOfBounds_data()
     QTest::newRow("JPEG") << picture(jpeg(65500, 65500)) << pixels;
     QTest::newRow("JPEG cut off") << picture(jpeg(64, 48).left(14)) << damaged;
     QTest::newRow("JPEG without frame") << picture(jpeg(64, 48).replace('\xc2', '\xc4')) << damaged;
+    QTest::newRow("JPEG with a fill byte") << picture(disguisedJpeg("\xff")) << pixels;
+    QTest::newRow("JPEG with a marker for restarting")
+        << picture(disguisedJpeg("\xff\xd0")) << damaged;
     QTest::newRow("GIF") << picture(gif(65500, 65500, 1, 1)) << pixels;
     QTest::newRow("GIF with a huge frame") << picture(gif(1, 1, 65500, 65500)) << pixels;
     QTest::newRow("GIF without a frame") << picture(gif(5, 5, 5, 5).left(25)) << damaged;
