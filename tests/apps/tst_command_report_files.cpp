@@ -35,6 +35,8 @@ private Q_SLOTS:
     void fileOrStandardOutput();
     void fileIsReplaced();
     void linkStays();
+    void linkToNothingYet();
+    void standardOutputByName();
     void documentIsNotWrittenOver_data();
     void documentIsNotWrittenOver();
     void devicesAndPipes();
@@ -352,6 +354,33 @@ void TestCommandReportFiles::linkStays()
     QVERIFY(QFileInfo(path("link.html")).isSymLink());
     QCOMPARE(readFile(path("folder/page.html")), report({}).output);
     QCOMPARE(entriesOf(path("folder")), QStringList{text("page.html")});
+}
+
+void TestCommandReportFiles::linkToNothingYet()
+{
+    m_dir.write(text("some.pdf"), documentWith({step(text("one"))}));
+    QVERIFY(QDir().mkpath(path("folder")));
+    QVERIFY(QFile::link(text("folder/second"), path("first")));
+    QVERIFY(QFile::link(path("folder/new.html"), path("folder/second")));
+    QCOMPARE(report({text("-o"), text("first")}).exitCode, 0);
+    QVERIFY(QFileInfo(path("first")).isSymLink());
+    QVERIFY(QFileInfo(path("folder/second")).isSymLink());
+    QCOMPARE(readFile(path("folder/new.html")), report({}).output);
+    QDir(path("folder")).removeRecursively();
+    QFile::remove(path("first"));
+}
+
+void TestCommandReportFiles::standardOutputByName()
+{
+    m_dir.write(text("some.pdf"), documentWith({step(text("one"))}));
+    const QByteArray page = report({}).output;
+    m_dir.write(text("all.html"), "before\n");
+    const Outcome outcome = Command({text("report"), text("some.pdf"), text("-o/dev/stdout")})
+                                .inDirectory(m_dir.path(QString()))
+                                .inShell(text("{ \"$@\" && echo behind; } >>all.html"))
+                                .run();
+    QCOMPARE(outcome.errors, QByteArray());
+    QCOMPARE(readFile(path("all.html")), "before\n" + page + "behind\n");
 }
 
 void TestCommandReportFiles::documentIsNotWrittenOver_data()
