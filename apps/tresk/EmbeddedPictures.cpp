@@ -8,8 +8,8 @@ namespace tresk::cli {
 
 namespace {
 
-constexpr qint64 mostPictureBytes = 4 * 1024 * 1024; // of a picture
-constexpr qint64 mostPictureBytesInAll = 32 * 1024 * 1024;
+constexpr qint64 mostPictureBytes = qint64(4) * 1024 * 1024; // of a picture
+constexpr qint64 mostPictureBytesInAll = qint64(32) * 1024 * 1024;
 constexpr qint64 mostPixels = 40'000'000; // of a picture; unpacked, each takes four bytes
 constexpr qint64 mostPixelsInAll = 200'000'000;
 

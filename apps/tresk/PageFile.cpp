@@ -27,11 +27,35 @@ bool isSameFile(const QString& a, const QString& b)
         && first.st_ino == second.st_ino;
 }
 
-/// Where @p path leads; the path itself where there is nothing yet.
+/// Whether @p path is a name such as /dev/stdout of a regular file that standard output goes to.
+/// Others may write to it too: a new file instead of it would lose what they write.
+bool isStandardOutput(const QString& path)
+{
+    struct stat status = {};
+    return fstat(STDOUT_FILENO, &status) == 0 && S_ISREG(status.st_mode)
+        && isSameFile(path, QStringLiteral("/dev/fd/%1").arg(STDOUT_FILENO));
+}
+
+/// What stands in front of the name: up to the last separator.
+QByteArray directoryOf(const QByteArray& path)
+{
+    return path.left(path.lastIndexOf('/') + 1);
+}
+
+/// Where @p path leads, links to what is not there yet included.
 QByteArray resolved(const QByteArray& path)
 {
     char target[PATH_MAX] = {};
-    return realpath(path.constData(), target) ? QByteArray(target) : path;
+    if (realpath(path.constData(), target))
+        return target;
+    // Open pipes look like links that lead nowhere.
+    if (errno != ENOENT || access(path.constData(), F_OK) == 0)
+        return path;
+    const ssize_t length = readlink(path.constData(), target, sizeof target);
+    if (length <= 0 || size_t(length) == sizeof target)
+        return path;
+    const QByteArray next(target, int(length));
+    return resolved(next.startsWith('/') ? next : directoryOf(path) + next);
 }
 
 } // namespace
@@ -60,6 +84,9 @@ bool PageFile::open(const QStringList& documents)
             return false;
         }
     }
+    m_isFile = !isStandardOutput(m_path);
+    if (!m_isFile)
+        return true;
     watchForInterruption(); // so that nothing unfinished stays
     const QString problem = openTarget();
     if (!problem.isEmpty())
@@ -79,9 +106,10 @@ QString PageFile::openTarget()
         m_device = ::open(path.constData(), O_WRONLY | O_CLOEXEC | O_NOCTTY);
         return m_device == -1 ? systemError(errno) : QString();
     }
-    const auto slash = path.lastIndexOf('/');
-    const QByteArray directory = slash < 0 ? "." : path.left(slash + 1);
-    m_name = fromSystem(path.mid(slash + 1));
+    QByteArray directory = directoryOf(path);
+    m_name = fromSystem(path.mid(directory.size()));
+    if (directory.isEmpty())
+        directory = ".";
     // Extracted files may go to a new directory, but a page whose path has a typing error shall
     // not.
     if (m_name.isEmpty() || access(directory.constData(), F_OK) != 0)

@@ -33,6 +33,13 @@ PictureExtent extentOfPng(const QByteArray& content)
     return {bigEndianAt<quint32>(content, 16), bigEndianAt<quint32>(content, 20)};
 }
 
+/// Whether a segment with its length is behind the marker of a JPEG. Markers that stand alone have
+/// no place in front of the frame.
+bool beginsSegment(int marker)
+{
+    return marker >= 0xC0 && (marker < 0xD0 || marker > 0xD9);
+}
+
 /// From the first frame header (ITU-T T.81).
 PictureExtent extentOfJpeg(const QByteArray& content)
 {
@@ -45,7 +52,10 @@ PictureExtent extentOfJpeg(const QByteArray& content)
             return {bigEndianAt<quint16>(content, position + 7),
                     bigEndianAt<quint16>(content, position + 5)};
         }
-        position += 2 + bigEndianAt<quint16>(content, position + 2);
+        const bool isFillByte = marker == 0xFF;
+        if (!isFillByte && !beginsSegment(marker))
+            return {};
+        position += isFillByte ? 1 : 2 + bigEndianAt<quint16>(content, position + 2);
     }
     return {};
 }

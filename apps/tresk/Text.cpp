@@ -61,6 +61,8 @@ bool isUnprintable(char32_t c)
     const char32_t joiner = 0x200D;
     if (c == softHyphen || c == nonJoiner || c == joiner)
         return false;
+    if (QChar::isNonCharacter(c))
+        return true;
     switch (QChar::category(c)) {
     case QChar::Other_Control:
     case QChar::Other_Format:

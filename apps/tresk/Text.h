@@ -14,8 +14,8 @@ namespace tresk::cli {
 QString unescaped(const QString& stored);
 
 /// Whether a terminal may act on the character instead of showing it, or show it as nothing
-/// at all: control and formatting characters, line separators, lone surrogates. The joiners
-/// that scripts and emoji need are not among them.
+/// at all: control and formatting characters, line separators, lone surrogates, what Unicode says
+/// is no character. The joiners that scripts and emoji need are not among them.
 bool isUnprintable(char32_t c);
 
 /// @p text with everything unprintable written out, such as `\n`, `\x1b` or `\u202e`.

@@ -35,6 +35,8 @@ private Q_SLOTS:
     void fileOrStandardOutput();
     void fileIsReplaced();
     void linkStays();
+    void linkToNothingYet();
+    void standardOutputByName();
     void documentIsNotWrittenOver_data();
     void documentIsNotWrittenOver();
     void devicesAndPipes();
@@ -84,6 +86,17 @@ QByteArray jpeg(quint16 width, quint16 height, const QByteArray& before = "abc")
     return "\xff\xd8\xff\xe1" + bigEndian(quint16(before.size() + 2)) + before
         + QByteArray("\xff\xc2\x00\x11\x08", 5) + bigEndian(height) + bigEndian(width)
         + QByteArray(12, '\1');
+}
+
+/// A JPEG of 65500 by 65500 pixels, with a marker in front of its frame. Whoever takes the next two
+/// bytes for the length of a segment comes to a frame of one pixel.
+QByteArray disguisedJpeg(const QByteArray& marker)
+{
+    const QByteArray frame = jpeg(65500, 65500).mid(9);
+    const int length = qFromBigEndian<quint16>((marker + frame).constData() + 2);
+    QByteArray content = "\xff\xd8" + marker + frame;
+    content += QByteArray(4 + length - int(content.size()), '\xff');
+    return content + jpeg(1, 1).mid(9);
 }
 
 QByteArray gif(quint16 width, quint16 height, quint16 frameWidth, quint16 frameHeight)
@@ -225,6 +238,9 @@ void TestCommandReportFiles::picturesOutOfBounds_data()
     QTest::newRow("JPEG") << picture(jpeg(65500, 65500)) << pixels;
     QTest::newRow("JPEG cut off") << picture(jpeg(64, 48).left(14)) << damaged;
     QTest::newRow("JPEG without frame") << picture(jpeg(64, 48).replace('\xc2', '\xc4')) << damaged;
+    QTest::newRow("JPEG with a fill byte") << picture(disguisedJpeg("\xff")) << pixels;
+    QTest::newRow("JPEG with a marker for restarting")
+        << picture(disguisedJpeg("\xff\xd0")) << damaged;
     QTest::newRow("GIF") << picture(gif(65500, 65500, 1, 1)) << pixels;
     QTest::newRow("GIF with a huge frame") << picture(gif(1, 1, 65500, 65500)) << pixels;
     QTest::newRow("GIF without a frame") << picture(gif(5, 5, 5, 5).left(25)) << damaged;
@@ -338,6 +354,33 @@ void TestCommandReportFiles::linkStays()
     QVERIFY(QFileInfo(path("link.html")).isSymLink());
     QCOMPARE(readFile(path("folder/page.html")), report({}).output);
     QCOMPARE(entriesOf(path("folder")), QStringList{text("page.html")});
+}
+
+void TestCommandReportFiles::linkToNothingYet()
+{
+    m_dir.write(text("some.pdf"), documentWith({step(text("one"))}));
+    QVERIFY(QDir().mkpath(path("folder")));
+    QVERIFY(QFile::link(text("folder/second"), path("first")));
+    QVERIFY(QFile::link(path("folder/new.html"), path("folder/second")));
+    QCOMPARE(report({text("-o"), text("first")}).exitCode, 0);
+    QVERIFY(QFileInfo(path("first")).isSymLink());
+    QVERIFY(QFileInfo(path("folder/second")).isSymLink());
+    QCOMPARE(readFile(path("folder/new.html")), report({}).output);
+    QDir(path("folder")).removeRecursively();
+    QFile::remove(path("first"));
+}
+
+void TestCommandReportFiles::standardOutputByName()
+{
+    m_dir.write(text("some.pdf"), documentWith({step(text("one"))}));
+    const QByteArray page = report({}).output;
+    m_dir.write(text("all.html"), "before\n");
+    const Outcome outcome = Command({text("report"), text("some.pdf"), text("-o/dev/stdout")})
+                                .inDirectory(m_dir.path(QString()))
+                                .inShell(text("{ \"$@\" && echo behind; } >>all.html"))
+                                .run();
+    QCOMPARE(outcome.errors, QByteArray());
+    QCOMPARE(readFile(path("all.html")), "before\n" + page + "behind\n");
 }
 
 void TestCommandReportFiles::documentIsNotWrittenOver_data()

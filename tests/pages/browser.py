@@ -46,10 +46,11 @@ class Browser:
             self._driver.communicate()
             self._folder.cleanup()
 
-    def open(self, path):
+    def open(self, path, fragment=""):
         """Shows a file. Of what pages before it did, nothing is in the logs any more."""
         self.open_nothing()
-        self._post("/url", {"url": "file://" + urllib.request.pathname2url(str(path))})
+        address = "file://" + urllib.request.pathname2url(str(path))
+        self._post("/url", {"url": address + (fragment and "#" + fragment)})
 
     def open_nothing(self):
         self._post("/url", {"url": "about:blank"})

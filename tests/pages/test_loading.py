@@ -34,6 +34,12 @@ class TestLoading(PageTest):
         for link in links:
             self.assertTrue(link.startswith("#") and link[1:] in ids, link)
 
+    @on_pages("report", "diff")
+    def test_addresses_that_lead_nowhere(self, name):
+        for fragment in ("nothing", "%", "%E0%A4%A"):
+            self.browser.open(session.pages[name], fragment)
+            self.assertEqual(self.browser.console(), [], fragment)
+
     @on_pages("report")
     def test_pictures_are_shown(self, _):
         widths = self.browser.wait(

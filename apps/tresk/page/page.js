@@ -51,7 +51,7 @@
 
   // A link leads to what can be seen.
   function unfoldTarget() {
-    const target = document.getElementById(decodeURIComponent(location.hash.slice(1)));
+    const target = document.getElementById(location.hash.slice(1));
     const inner = target && target.querySelector("details");
     if (inner) {
       inner.open = true;
