@@ -169,7 +169,6 @@ void TestCommandExtract::directoryThatCannotBe_data()
     QTest::newRow("link to nothing") << text("dangling") << QByteArray("No such file or directory");
     QTest::newRow("name too long")
         << QString(300, QLatin1Char('a')) << QByteArray("File name too long");
-    QTest::newRow("nothing") << QString() << QByteArray("No such file or directory");
 }
 
 void TestCommandExtract::directoryThatCannotBe()
