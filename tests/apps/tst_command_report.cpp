@@ -74,7 +74,7 @@ QByteArray nestedDocument()
 /// A document in which @p hostile stands wherever a text can stand.
 QByteArray hostileDocument(const QByteArray& hostile)
 {
-    const QString text = QString::fromUtf8(hostile);
+    const QString text = QString::fromUtf8(hostile.constData()); // markers hold no zero byte
     FileSpec file = FileSpec::plain(text, "abc");
     file.filetype = text;
     file.desc = text;
