@@ -60,12 +60,12 @@ void repairStream(QByteArray& document, int start, int end)
         status = inflate(&zlib, Z_NO_FLUSH);
         checksum = adler32(checksum, buffer, static_cast<uInt>(sizeof(buffer) - zlib.avail_out));
     }
-    const auto trailer = start + header + static_cast<int>(zlib.total_in);
+    const auto checksumStart = start + header + static_cast<int>(zlib.total_in);
     inflateEnd(&zlib);
-    if (status != Z_STREAM_END || trailer + 4 > end)
+    if (status != Z_STREAM_END || checksumStart + 4 > end)
         return;
     for (int i = 0; i < 4; ++i)
-        document[trailer + i] = static_cast<char>(checksum >> (8 * (3 - i)));
+        document[checksumStart + i] = static_cast<char>(checksum >> (8 * (3 - i)));
 }
 
 /// The number in @p field, or less if so many bytes from @p start on are not in the document.
