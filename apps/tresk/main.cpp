@@ -10,12 +10,25 @@
 
 #include <cerrno>
 #include <csignal>
+#include <fcntl.h>
+#include <unistd.h>
 
 namespace tresk::cli {
 
 namespace {
 
 const char* const ownValue = "tresk";
+
+/// Makes the standard streams that are closed fail when they are used. Otherwise what is opened
+/// next would take a stream's number, and get what is written to the stream.
+void keepStandardStreams()
+{
+    for (const int stream : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) {
+        const bool isClosed = fcntl(stream, F_GETFD) == -1;
+        if (isClosed) // so it is the lowest free number, which open() takes
+            open("/", O_RDONLY | O_DIRECTORY);
+    }
+}
 
 /// Makes a closed pipe and a file that grows beyond the limit errors that are reported, where
 /// a signal would end the program with its work half done.
@@ -139,6 +152,7 @@ int main(int argc, char** argv)
     using namespace tresk::cli;
 
     endWhenOutOfMemory();
+    keepStandardStreams();
     ignoreWriteSignals();
     catchLogLines();
     useUtf8ForSystemText();

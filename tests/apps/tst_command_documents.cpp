@@ -35,6 +35,7 @@ private Q_SLOTS:
     void nothingDependsOnTheEnvironment();
     void nothingIsLoggedWithoutBeingAsked();
     void fullOutputIsReported();
+    void closedOutputIsReported();
 
 private:
     TestDir m_dir;
@@ -420,6 +421,25 @@ void TestCommandDocuments::fullOutputIsReported()
         const Outcome outcome = Command(arguments).inShell(text("\"$@\" >/dev/full")).run();
         QCOMPARE(outcome.errors, QByteArray("tresk: standard output: No space left on device\n"));
         QCOMPARE(outcome.exitCode, 2);
+    }
+}
+
+void TestCommandDocuments::closedOutputIsReported()
+{
+    const QString path = m_dir.write(text("closed.pdf"), soundDocument());
+    const QString target = m_dir.path(text("closed"));
+    for (const QStringList& arguments : allCommands(path, target)) {
+        for (const char* others : {"", " <&-"}) {
+            QDir(target).removeRecursively();
+            const Outcome outcome =
+                Command(arguments).inShell(text("\"$@\" >&-") + text(others)).run();
+            QCOMPARE(outcome.errors, QByteArray("tresk: standard output: Bad file descriptor\n"));
+            QCOMPARE(outcome.exitCode, 2);
+        }
+        // Nor is there anyone to tell of it then.
+        QDir(target).removeRecursively();
+        QCOMPARE(Command(arguments).inShell(text("\"$@\" <&- >&- 2>&-")).run().exitCode, 2);
+        QCOMPARE(readFile(path), soundDocument());
     }
 }
 

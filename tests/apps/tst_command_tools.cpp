@@ -35,6 +35,8 @@ private Q_SLOTS:
     void readerMayGoAway();
     void fullDiskIsReported_data();
     void fullDiskIsReported();
+    void closedStreamsStayClosed_data();
+    void closedStreamsStayClosed();
 };
 
 namespace {
@@ -322,6 +324,38 @@ void TestCommandTools::fullDiskIsReported()
     const Outcome outcome = command("add").inShell(text("exec \"$@\" >/dev/full")).run();
     QCOMPARE(outcome.errors, QByteArray("tresk: standard output: No space left on device\n"));
     QCOMPARE(outcome.exitCode, expected);
+}
+
+void TestCommandTools::closedStreamsStayClosed_data()
+{
+    QTest::addColumn<QByteArray>("streams");
+    QTest::addColumn<QByteArray>("output");
+    QTest::addColumn<QByteArray>("errors");
+    QTest::addColumn<int>("exitCode");
+    const QByteArray said = "said\nwrong\n";
+    QTest::newRow("input") << QByteArray("<&-") << said << QByteArray() << 0;
+    QTest::newRow("output") << QByteArray(">&-") << QByteArray()
+                            << QByteArray("tresk: standard output: Bad file descriptor\n") << 125;
+    QTest::newRow("all") << QByteArray("<&- >&- 2>&-") << QByteArray() << QByteArray() << 125;
+}
+
+/// None of the files and pipes that are opened takes the place of one.
+void TestCommandTools::closedStreamsStayClosed()
+{
+    QFETCH(QByteArray, streams);
+    QFETCH(QByteArray, output);
+    QFETCH(QByteArray, errors);
+    QFETCH(int, exitCode);
+    const QByteArray content = "-O a.pdf\n";
+    dir().write(text("some.args"), content);
+    writeTool("tools/treskadd", "cat >input\necho said\necho wrong >&2\n");
+    const QString script = text("exec \"$@\" ") + text(streams.constData());
+    const Outcome outcome = command("add").inShell(script).run();
+    QCOMPARE(outcome.output, output);
+    QCOMPARE(outcome.errors, errors);
+    QCOMPARE(outcome.exitCode, exitCode);
+    QCOMPARE(readFile(path("input")), content);
+    QCOMPARE(readFile(path("some.args")), content);
 }
 
 QTEST_GUILESS_MAIN(TestCommandTools)
