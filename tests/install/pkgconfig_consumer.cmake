@@ -1,6 +1,6 @@
 # Builds the consumer with what pkg-config says of tresklib, and runs it.
 
-include(${CMAKE_CURRENT_LIST_DIR}/CheckConsumer.cmake)
+include(${CMAKE_CURRENT_LIST_DIR}/Consumer.cmake)
 
 file(REMOVE_RECURSE ${WORK_TREE})
 file(MAKE_DIRECTORY ${WORK_TREE})
