@@ -1,5 +1,7 @@
 #include "Command.h"
 
+#include <Watched.h>
+
 #include <QElapsedTimer>
 #include <QFile>
 #include <QJsonDocument>
@@ -167,6 +169,8 @@ void Command::start(QProcess& process) const
 
 void waitUntilRead(qint64 processId, qint64 bytes)
 {
+    // It reads the programs itself, before they begin.
+    const qint64 most = isUnderValgrind() ? bytes + 64 * 1024 * 1024 : bytes;
     QElapsedTimer timer;
     timer.start();
     const QString path = QStringLiteral("/proc/%1/io").arg(processId);
@@ -175,7 +179,7 @@ void waitUntilRead(qint64 processId, qint64 bytes)
         const bool present = file.open(QIODevice::ReadOnly);
         // "rchar: NUMBER"
         const QByteArray first = file.readLine();
-        if (!present || first.isEmpty() || first.mid(7).trimmed().toLongLong() >= bytes)
+        if (!present || first.isEmpty() || first.mid(7).trimmed().toLongLong() >= most)
             return;
         QTest::qSleep(1);
     }

@@ -93,6 +93,13 @@ Variable::~Variable()
     qputenv(m_name, m_before);
 }
 
+int flagsOf(const struct sigaction& action)
+{
+    return action.sa_flags
+        & (SA_NOCLDSTOP | SA_NOCLDWAIT | SA_NODEFER | SA_ONSTACK | SA_RESETHAND | SA_RESTART
+           | SA_SIGINFO);
+}
+
 void useUtf8()
 {
     // Qt 6 does so by itself.

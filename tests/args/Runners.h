@@ -11,6 +11,8 @@
 #include <QString>
 #include <QStringList>
 
+#include <csignal>
+
 namespace tresktest {
 
 /// A folder with the stand-in for each of the tools.
@@ -66,6 +68,9 @@ private:
     const char* m_name;
     QByteArray m_before;
 };
+
+/// Those of its flags that a program sets: the C library adds one when it restores an action.
+int flagsOf(const struct sigaction& action);
 
 /// Makes the locale's encoding UTF-8, whatever locale the tests run in.
 void useUtf8();

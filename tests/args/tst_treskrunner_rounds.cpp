@@ -19,6 +19,7 @@
 using tresk::TreskaddRunner;
 using tresk::TreskRunner;
 using tresktest::exitMessage;
+using tresktest::flagsOf;
 using tresktest::inPieces;
 using tresktest::isWatched;
 using tresktest::out;
@@ -101,7 +102,7 @@ QByteArray stateOfProcess()
             continue;
         state += '\n' + QByteArray::number(signal) + ' '
             + QByteArray::number(qulonglong(reinterpret_cast<quintptr>(action.sa_handler)), 16)
-            + ' ' + QByteArray::number(action.sa_flags, 16)
+            + ' ' + QByteArray::number(flagsOf(action), 16)
             + (sigismember(&mask, signal) == 1 ? " blocked" : "");
         for (int other = 1; other < NSIG; ++other)
             state += sigismember(&action.sa_mask, other) == 1 ? '1' : '0';

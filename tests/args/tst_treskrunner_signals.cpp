@@ -22,6 +22,7 @@ using tresk::TreskaddRunner;
 using tresk::TreskdelRunner;
 using tresk::TreskRunner;
 using tresktest::exitMessage;
+using tresktest::flagsOf;
 using tresktest::inPieces;
 using tresktest::out;
 using tresktest::RunnerLog;
@@ -42,9 +43,7 @@ QByteArray textOf(int signal)
 {
     struct sigaction action = {};
     sigaction(signal, nullptr, &action);
-    const int flags = SA_NOCLDSTOP | SA_NOCLDWAIT | SA_NODEFER | SA_ONSTACK | SA_RESETHAND
-        | SA_RESTART | SA_SIGINFO;
-    QByteArray text = QByteArray::number(action.sa_flags & flags);
+    QByteArray text = QByteArray::number(flagsOf(action));
     if (action.sa_handler == SIG_DFL)
         text += " default";
     else if (action.sa_handler == SIG_IGN)
