@@ -31,6 +31,11 @@ QByteArray documentWith(const QVector<FileSpec>& files)
     return documentWith(QVector<SectionSpec>{step(QStringLiteral("step"), files)});
 }
 
+FileSpec embeddedDocument(const char* name, const QVector<SectionSpec>& steps)
+{
+    return FileSpec::flate(QString::fromUtf8(name), documentWith(steps));
+}
+
 QByteArray streamOfZeros(qint64 size)
 {
     const int blockSize = 1024 * 1024;

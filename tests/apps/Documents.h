@@ -19,6 +19,9 @@ QByteArray documentWith(const QVector<SectionSpec>& steps);
 /// A document with one step that has these files.
 QByteArray documentWith(const QVector<FileSpec>& files);
 
+/// An embedded document of that name with these steps.
+FileSpec embeddedDocument(const char* name, const QVector<SectionSpec>& steps);
+
 /// A zlib stream that inflates to @p size zero bytes, a multiple of 1 MiB. Takes about a
 /// thousandth of that, and next to no time to make.
 QByteArray streamOfZeros(qint64 size);

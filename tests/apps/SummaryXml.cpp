@@ -1,6 +1,20 @@
 #include "SummaryXml.h"
 
+#include "Documents.h"
+
 namespace tresktest {
+
+namespace {
+
+QByteArray inputs(const QVector<FileSpec>& files)
+{
+    QByteArray elements;
+    for (const FileSpec& file : files)
+        elements += fileElement("InFile", file);
+    return elements;
+}
+
+} // namespace
 
 QByteArray element(const char* name, const QByteArray& content)
 {
@@ -39,6 +53,24 @@ FileSpec summaryWith(const QByteArray& step)
 FileSpec summaryOf(const QByteArray& bytes)
 {
     return FileSpec::flate(QStringLiteral("ws_summary.xml"), bytes);
+}
+
+SectionSpec toldStep(const QByteArray& content, const QVector<FileSpec>& files)
+{
+    return step(QStringLiteral("marker"), files + QVector<FileSpec>{summaryWith(content)});
+}
+
+SectionSpec titledStep(const char* title, const QVector<FileSpec>& files)
+{
+    return toldStep(element("Title", title) + inputs(files), files);
+}
+
+SectionSpec stepByTool(const char* title, const char* tool, const QVector<FileSpec>& files)
+{
+    SectionSpec section = toldStep(element("Title", title) + element("Tool", tool) + inputs(files),
+                                   files);
+    section.title = QString::fromUtf8(title);
+    return section;
 }
 
 } // namespace tresktest

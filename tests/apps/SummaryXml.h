@@ -4,6 +4,7 @@
 #include <DocumentWriter.h>
 
 #include <QByteArray>
+#include <QVector>
 
 namespace tresktest {
 
@@ -22,6 +23,13 @@ QByteArray attribute(const char* name, const char* value, const char* unit = "")
 FileSpec summaryWith(const QByteArray& step);
 /// A summary document of just these bytes.
 FileSpec summaryOf(const QByteArray& bytes);
+
+/// A step that has these files, and a summary with that content.
+SectionSpec toldStep(const QByteArray& content, const QVector<FileSpec>& files = {});
+/// A step that has these files, and a summary that says its title and names them as inputs.
+SectionSpec titledStep(const char* title, const QVector<FileSpec>& files = {});
+/// The same with the tool, and with the title in the document itself too.
+SectionSpec stepByTool(const char* title, const char* tool, const QVector<FileSpec>& files = {});
 
 } // namespace tresktest
 

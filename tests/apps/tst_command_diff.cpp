@@ -38,21 +38,6 @@ private:
 
 namespace {
 
-SectionSpec toldStep(const QByteArray& content, const QVector<FileSpec>& files = {})
-{
-    return step(text("marker"), files + QVector<FileSpec>{summaryWith(content)});
-}
-
-SectionSpec titled(const char* title, const QVector<FileSpec>& files = {})
-{
-    QByteArray content = element("Title", title);
-    for (const FileSpec& file : files)
-        content += fileElement("InFile", file);
-    return toldStep(content, files);
-}
-
-} // namespace
-
 /// A document with the steps under step @p parent of 60, -1 at the top, which hang under each other
 /// at random; nothing if there are none. Half of them are called @p name and a number, the others
 /// are of few kinds.
@@ -70,10 +55,12 @@ QByteArray tangledHistory(int parent, const char* name)
         QVector<FileSpec> files;
         if (!below.isEmpty())
             files += FileSpec::flate(text("below.tresk"), below);
-        steps += titled(title.constData(), files);
+        steps += titledStep(title.constData(), files);
     }
     return steps.isEmpty() ? QByteArray() : documentWith(steps);
 }
+
+} // namespace
 
 Outcome TestCommandDiff::diff(const QByteArray& first, const QByteArray& second,
                               const QStringList& options) const
@@ -87,7 +74,7 @@ Outcome TestCommandDiff::diff(const QByteArray& first, const QByteArray& second,
 
 void TestCommandDiff::sameHistories()
 {
-    const QByteArray document = documentWith({titled("one"), titled("two")});
+    const QByteArray document = documentWith({titledStep("one"), titledStep("two")});
     const Outcome outcome = diff(document, document);
     QCOMPARE(outcome.errors, QByteArray());
     QCOMPARE(outcome.output, QByteArray("The histories are the same: 2 steps.\n"));
@@ -96,8 +83,8 @@ void TestCommandDiff::sameHistories()
 
 void TestCommandDiff::stepsOfOneDocumentOnly()
 {
-    const Outcome outcome = diff(documentWith({titled("one"), titled("two")}),
-                                 documentWith({titled("one"), titled("three")}));
+    const Outcome outcome = diff(documentWith({titledStep("one"), titledStep("two")}),
+                                 documentWith({titledStep("one"), titledStep("three")}));
     QCOMPARE(outcome.output,
              QByteArray("Steps that correspond:\n    1 = 1  one\n"
                         "Only in a.pdf:\n    0  two\n"
@@ -136,8 +123,9 @@ void TestCommandDiff::filesOfAStep()
         return FileSpec::plain(text(name), content);
     };
     const Outcome outcome = diff(
-        documentWith({titled("one", {file("gone", "1"), file("same", "2"), file("new", "3")})}),
-        documentWith({titled("one", {file("same", "2"), file("new", "4"), file("more", "5")})}));
+        documentWith({titledStep("one", {file("gone", "1"), file("same", "2"), file("new", "3")})}),
+        documentWith(
+            {titledStep("one", {file("same", "2"), file("new", "4"), file("more", "5")})}));
     QCOMPARE(outcome.output,
              QByteArray("Steps that correspond:\n    0 = 0  one\n"
                         "        - in \"gone\"\n"
@@ -149,9 +137,9 @@ void TestCommandDiff::filesOfAStep()
 void TestCommandDiff::movedUnderAnotherStep()
 {
     // The document with the step "inner" is an input of another step.
-    const FileSpec inner = FileSpec::flate(text("in.tresk"), documentWith({titled("inner")}));
-    const Outcome outcome = diff(documentWith({titled("one", {inner}), titled("two")}),
-                                 documentWith({titled("one"), titled("two", {inner})}));
+    const FileSpec inner = FileSpec::flate(text("in.tresk"), documentWith({titledStep("inner")}));
+    const Outcome outcome = diff(documentWith({titledStep("one", {inner}), titledStep("two")}),
+                                 documentWith({titledStep("one"), titledStep("two", {inner})}));
     QVERIFY2(outcome.output.contains("\nMoved under another step:\n    2 = 1  inner\n"),
              outcome.output.constData());
     QCOMPARE(outcome.exitCode, 1);
@@ -159,7 +147,7 @@ void TestCommandDiff::movedUnderAnotherStep()
 
 void TestCommandDiff::severalWays()
 {
-    const QByteArray document = documentWith({titled("one")});
+    const QByteArray document = documentWith({titledStep("one")});
     const Outcome outcome = diff(document, document, {text("-n"), text("3")});
     QCOMPARE(outcome.output,
              QByteArray("Way 1\nThe histories are the same: 1 step.\n"
@@ -177,7 +165,7 @@ void TestCommandDiff::wrongNumbers_data()
 void TestCommandDiff::wrongNumbers()
 {
     QFETCH(QString, number);
-    const QByteArray document = documentWith({titled("one")});
+    const QByteArray document = documentWith({titledStep("one")});
     const Outcome outcome = diff(document, document, {text("--number=") + number});
     QCOMPARE(outcome.exitCode, 2);
     QVERIFY2(outcome.errors.contains("-n takes a number from 1 to 1000"),
@@ -187,8 +175,8 @@ void TestCommandDiff::wrongNumbers()
 void TestCommandDiff::jsonTellsAll()
 {
     const FileSpec file = FileSpec::plain(text("f"), "1");
-    const Outcome outcome = diff(documentWith({titled("one", {file}), titled("two")}),
-                                 documentWith({titled("one")}), {text("--json")});
+    const Outcome outcome = diff(documentWith({titledStep("one", {file}), titledStep("two")}),
+                                 documentWith({titledStep("one")}), {text("--json")});
     const QJsonObject object = jsonObject(outcome.output);
     QCOMPARE(object.value(text("same")).toBool(true), false);
     QCOMPARE(object.value(text("certain")).toBool(false), true);
@@ -209,8 +197,8 @@ void TestCommandDiff::jsonTellsAll()
 
 void TestCommandDiff::dotDrawsBothSides()
 {
-    const Outcome outcome = diff(documentWith({titled("one")}), documentWith({titled("one")}),
-                                 {text("--dot")});
+    const Outcome outcome = diff(documentWith({titledStep("one")}),
+                                 documentWith({titledStep("one")}), {text("--dot")});
     QCOMPARE(
         outcome.output,
         QByteArray("digraph diff {\n  rankdir=LR;\n  node [shape=box];\n"
@@ -244,7 +232,7 @@ void TestCommandDiff::uncertainResult()
 
 void TestCommandDiff::trouble()
 {
-    const Outcome outcome = diff("%PDF-1.4\n", documentWith({titled("one")}));
+    const Outcome outcome = diff("%PDF-1.4\n", documentWith({titledStep("one")}));
     QCOMPARE(outcome.exitCode, 2);
     QVERIFY2(outcome.errors.startsWith("tresk: a.pdf: has no history"), outcome.errors.constData());
     QCOMPARE(outcome.output, QByteArray());

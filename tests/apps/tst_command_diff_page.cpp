@@ -51,19 +51,6 @@ private:
 
 namespace {
 
-SectionSpec toldStep(const QByteArray& content, const QVector<FileSpec>& files = {})
-{
-    return step(text("marker"), files + QVector<FileSpec>{summaryWith(content)});
-}
-
-SectionSpec titled(const char* title, const QVector<FileSpec>& files = {})
-{
-    QByteArray content = element("Title", title);
-    for (const FileSpec& file : files)
-        content += fileElement("InFile", file);
-    return toldStep(content, files);
-}
-
 /// A document with one step that has this comment.
 QByteArray commented(const QByteArray& comment)
 {
@@ -89,7 +76,7 @@ HtmlPage TestCommandDiffPage::page() const
 
 void TestCommandDiffPage::sameHistories()
 {
-    const QByteArray document = documentWith({titled("one"), titled("two")});
+    const QByteArray document = documentWith({titledStep("one"), titledStep("two")});
     const Outcome outcome = diff(document, document);
     QCOMPARE(outcome.errors, QByteArray());
     QCOMPARE(outcome.output, QByteArray());
@@ -131,8 +118,10 @@ void TestCommandDiffPage::filesOfAStep()
     const auto file = [](const char* name, const char* content) {
         return FileSpec::plain(text(name), content);
     };
-    diff(documentWith({titled("one", {file("gone", "1"), file("same", "2"), file("new", "3")})}),
-         documentWith({titled("one", {file("same", "2"), file("new", "4"), file("more", "5")})}));
+    diff(
+        documentWith({titledStep("one", {file("gone", "1"), file("same", "2"), file("new", "3")})}),
+        documentWith(
+            {titledStep("one", {file("same", "2"), file("new", "4"), file("more", "5")})}));
     QCOMPARE(page().textsIn(text("pair-0"), "td"),
              (QStringList{text("gone"), text("none"), text("new"), text("new, with other content"),
                           text("none"), text("more")}));
@@ -171,9 +160,9 @@ void TestCommandDiffPage::whatDiffersIsMarked()
 
 void TestCommandDiffPage::movedUnderAnotherStep()
 {
-    const FileSpec inner = FileSpec::flate(text("in.tresk"), documentWith({titled("inner")}));
-    const Outcome outcome = diff(documentWith({titled("one", {inner}), titled("two")}),
-                                 documentWith({titled("one"), titled("two", {inner})}));
+    const FileSpec inner = FileSpec::flate(text("in.tresk"), documentWith({titledStep("inner")}));
+    const Outcome outcome = diff(documentWith({titledStep("one", {inner}), titledStep("two")}),
+                                 documentWith({titledStep("one"), titledStep("two", {inner})}));
     QCOMPARE(outcome.exitCode, 1);
     const HtmlPage made = page();
     QCOMPARE(made.textsIn(text("pair-2"), "th").last(), text("hangs under"));
@@ -190,8 +179,8 @@ void TestCommandDiffPage::movedUnderAnotherStep()
 
 void TestCommandDiffPage::stepsOfOneDocumentOnly()
 {
-    diff(documentWith({titled("one"), titled("two")}),
-         documentWith({titled("one"),
+    diff(documentWith({titledStep("one"), titledStep("two")}),
+         documentWith({titledStep("one"),
                        toldStep(element("Title", "three") + element("Tool", "t")
                                 + element("User", "u") + element("Host", "h"))}));
     const HtmlPage made = page();
@@ -249,7 +238,7 @@ void TestCommandDiffPage::everyStepOnce()
 void TestCommandDiffPage::manyOfTheSameAreFolded()
 {
     for (const int count : {20, 21}) {
-        const QByteArray document = documentWith(QVector<SectionSpec>(count, titled("again")));
+        const QByteArray document = documentWith(QVector<SectionSpec>(count, titledStep("again")));
         diff(document, document);
         const QVector<HtmlElement> folds = page().named("details");
         QCOMPARE(folds.size(), 1);
@@ -320,8 +309,8 @@ void TestCommandDiffPage::policyFits()
 
 void TestCommandDiffPage::whatIsMissingIsSaid()
 {
-    const FileSpec inner = FileSpec::flate(text("in.tresk"), documentWith({titled("inner")}));
-    const QByteArray document = documentWith({titled("one", {inner})});
+    const FileSpec inner = FileSpec::flate(text("in.tresk"), documentWith({titledStep("inner")}));
+    const QByteArray document = documentWith({titledStep("one", {inner})});
     const Outcome outcome = diff(document, document,
                                  {text("--max-depth=0"), text("--html"), text("page.html")});
     QCOMPARE(outcome.exitCode, 2);

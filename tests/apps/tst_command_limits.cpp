@@ -64,12 +64,7 @@ SectionSpec stepThatEmbeds(const char* title, const QVector<FileSpec>& files)
     QByteArray content = element("Title", title);
     for (const FileSpec& file : files)
         content += named(file);
-    return step(text("marker"), files + QVector<FileSpec>{summaryWith(content)});
-}
-
-FileSpec document(const char* name, const QVector<SectionSpec>& steps)
-{
-    return FileSpec::flate(text(name), documentWith(steps));
+    return toldStep(content, files);
 }
 
 /// A document in so many others, each in the next.
@@ -221,9 +216,9 @@ void TestCommandLimits::levels()
 
 void TestCommandLimits::documents()
 {
-    const QVector<FileSpec> files = {document("a.tresk", {stepThatEmbeds("in a", {})}),
-                                     document("b.tresk", {stepThatEmbeds("in b", {})}),
-                                     document("c.tresk", {stepThatEmbeds("in c", {})})};
+    const QVector<FileSpec> files = {embeddedDocument("a.tresk", {stepThatEmbeds("in a", {})}),
+                                     embeddedDocument("b.tresk", {stepThatEmbeds("in b", {})}),
+                                     embeddedDocument("c.tresk", {stepThatEmbeds("in c", {})})};
     const QByteArray bytes = documentWith({stepThatEmbeds("all", files)});
     compare(run({text("tree"), text("--max-documents=1")}, bytes),
             "a.pdf\n└─ 0  all\n   └─ a.tresk\n      └─ 1  in a\n",
@@ -235,9 +230,9 @@ void TestCommandLimits::documents()
 void TestCommandLimits::everyDocumentHoldsSeveral()
 {
     // 4 to the power of 12 documents
-    FileSpec file = document("x.tresk", {stepThatEmbeds("innermost", {})});
+    FileSpec file = embeddedDocument("x.tresk", {stepThatEmbeds("innermost", {})});
     for (int level = 0; level < 12; ++level)
-        file = document("x.tresk", {stepThatEmbeds("four", {file, file, file, file})});
+        file = embeddedDocument("x.tresk", {stepThatEmbeds("four", {file, file, file, file})});
     const QByteArray bytes = documentWith({stepThatEmbeds("outermost", {file})});
     const Outcome outcome = run({text("tree"), text("--max-documents=50")}, bytes);
     QCOMPARE(outcome.output.count("x.tresk"), 50);
@@ -261,7 +256,8 @@ void TestCommandLimits::documentThatUnpacksToMore()
 {
     QFETCH(FileSpec, file);
     file.raw.insert("md5cfile", md5Hex(*file.stored)); // without which it is copied as it is
-    const QVector<FileSpec> files = {document("a.tresk", {stepThatEmbeds("in a", {})}), file};
+    const QVector<FileSpec> files = {embeddedDocument("a.tresk", {stepThatEmbeds("in a", {})}),
+                                     file};
     compare(run({text("tree"), text("--max-unpacked=1MiB")},
                 documentWith({stepThatEmbeds("both", files)})),
             "a.pdf\n└─ 0  both\n   └─ a.tresk\n      └─ 1  in a\n",
@@ -388,8 +384,9 @@ void TestCommandLimits::namesOfOmittedDocumentsAreNotMissing()
 {
     // What is not to be read is reported, also where another of that name is left out.
     const FileSpec broken = FileSpec::flate(text("x.tresk"), "no document");
-    const QVector<FileSpec> files = {broken, document("x.tresk", {stepThatEmbeds("in", {})}),
-                                     document("x.tresk", {stepThatEmbeds("out", {})})};
+    const QVector<FileSpec> files = {broken,
+                                     embeddedDocument("x.tresk", {stepThatEmbeds("in", {})}),
+                                     embeddedDocument("x.tresk", {stepThatEmbeds("out", {})})};
     compare(
         run({text("tree"), text("--max-documents=2")},
             documentWith({stepThatEmbeds("all", files)})),

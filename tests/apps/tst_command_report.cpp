@@ -48,27 +48,13 @@ namespace {
 
 const QByteArray header = "%PDF-1.4\n";
 
-/// A step with a summary that says its title and tool and names @p files as inputs.
-SectionSpec toldStep(const char* title, const char* tool, const QVector<FileSpec>& files = {})
-{
-    QByteArray content = element("Title", title) + element("Tool", tool);
-    for (const FileSpec& file : files)
-        content += fileElement("InFile", file);
-    return step(text(title), files + QVector<FileSpec>{summaryWith(content)});
-}
-
-FileSpec embeddedDocument(const char* name, const QVector<SectionSpec>& steps)
-{
-    return FileSpec::flate(text(name), documentWith(steps));
-}
-
 /// Two documents deep.
 QByteArray nestedDocument()
 {
-    const FileSpec innermost = embeddedDocument("c.tresk", {toldStep("three", "t3")});
+    const FileSpec innermost = embeddedDocument("c.tresk", {stepByTool("three", "t3")});
     const FileSpec inner = embeddedDocument(
-        "b.tresk", {toldStep("two", "t2", {innermost}), toldStep("two again", "t2")});
-    return documentWith({toldStep("one", "t1", {inner}), toldStep("last", "t1")});
+        "b.tresk", {stepByTool("two", "t2", {innermost}), stepByTool("two again", "t2")});
+    return documentWith({stepByTool("one", "t1", {inner}), stepByTool("last", "t1")});
 }
 
 /// A document in which @p hostile stands wherever a text can stand.
@@ -527,20 +513,20 @@ void TestCommandReport::damageIsToldOf_data()
 {
     QTest::addColumn<QByteArray>("document");
     QTest::addColumn<QByteArray>("message");
-    SectionSpec longer = toldStep("one", "t");
+    SectionSpec longer = stepByTool("one", "t");
     longer.raw.insert("size", "100000");
-    SectionSpec astray = toldStep("one", "t").with("previousmarker", "12");
+    SectionSpec astray = stepByTool("one", "t").with("previousmarker", "12");
     astray.gap = QByteArray(20, '\n');
     const FileSpec noDocument = FileSpec::flate(text("b.tresk"), "nothing");
     QTest::newRow("cut off") << documentWith({longer})
                              << QByteArray("is cut off or damaged: 1 step would reach beyond its "
                                            "end");
     QTest::newRow("broken chain")
-        << documentWith({toldStep("lost", "t"), astray})
+        << documentWith({stepByTool("lost", "t"), astray})
         << QByteArray("the history is incomplete: the step before step 0 is not where its marker "
                       "says");
     QTest::newRow("no document inside")
-        << documentWith({toldStep("one", "t", {noDocument})})
+        << documentWith({stepByTool("one", "t", {noDocument})})
         << QByteArray("there is no history to be read in \"b.tresk\", which step 0 of the tree "
                       "embeds");
 }
@@ -557,7 +543,7 @@ void TestCommandReport::damageIsToldOf()
     QVERIFY(page.textsIn(text("problems"), "li").contains(QString::fromUtf8(message)));
     QVERIFY(page.texts("h3").contains(text("Step 0: one")));
 
-    const HtmlPage sound(report(documentWith({toldStep("one", "t")})).output);
+    const HtmlPage sound(report(documentWith({stepByTool("one", "t")})).output);
     QCOMPARE(sound.withId(text("problems")).name, QString());
 }
 
@@ -575,7 +561,7 @@ void TestCommandReport::brokenSummaryIsToldOf()
     QCOMPARE(page.texts("h3"), QStringList{text("Step 0: step")});
     QCOMPARE(outcome.exitCode, 1); // for its checksum
 
-    const HtmlPage sound(report(documentWith({toldStep("one", "t")})).output);
+    const HtmlPage sound(report(documentWith({stepByTool("one", "t")})).output);
     QVERIFY(!sound.text().contains(text("cannot be read")));
 }
 

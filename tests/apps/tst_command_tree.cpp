@@ -43,24 +43,6 @@ private:
     TestDir m_dir;
 };
 
-namespace {
-
-/// A step with a summary that says its title and tool and names @p files as inputs.
-SectionSpec toldStep(const char* title, const char* tool, const QVector<FileSpec>& files = {})
-{
-    QByteArray content = element("Title", title) + element("Tool", tool);
-    for (const FileSpec& file : files)
-        content += fileElement("InFile", file);
-    return step(text(title), files + QVector<FileSpec>{summaryWith(content)});
-}
-
-FileSpec embeddedDocument(const char* name, const QVector<SectionSpec>& steps)
-{
-    return FileSpec::flate(text(name), documentWith(steps));
-}
-
-} // namespace
-
 Outcome TestCommandTree::tree(const QByteArray& document, const QStringList& options) const
 {
     m_dir.write(text("some.pdf"), document);
@@ -71,7 +53,7 @@ Outcome TestCommandTree::tree(const QByteArray& document, const QStringList& opt
 
 void TestCommandTree::stepsNewestFirst()
 {
-    const Outcome outcome = tree(documentWith({toldStep("one", "t1"), toldStep("two", "t2")}));
+    const Outcome outcome = tree(documentWith({stepByTool("one", "t1"), stepByTool("two", "t2")}));
     QCOMPARE(outcome.errors, QByteArray());
     QCOMPARE(outcome.output, QByteArray("some.pdf\n├─ 0  two  (t2)\n└─ 1  one  (t1)\n"));
     QCOMPARE(outcome.exitCode, 0);
@@ -79,11 +61,11 @@ void TestCommandTree::stepsNewestFirst()
 
 void TestCommandTree::embeddedDocumentsUnderTheirStep()
 {
-    const FileSpec innermost = embeddedDocument("c.tresk", {toldStep("three", "t3")});
+    const FileSpec innermost = embeddedDocument("c.tresk", {stepByTool("three", "t3")});
     const FileSpec inner = embeddedDocument(
-        "b.tresk", {toldStep("two", "t2", {innermost}), toldStep("two again", "t2")});
+        "b.tresk", {stepByTool("two", "t2", {innermost}), stepByTool("two again", "t2")});
     const Outcome outcome = tree(
-        documentWith({toldStep("one", "t1", {inner}), toldStep("last", "t1")}));
+        documentWith({stepByTool("one", "t1", {inner}), stepByTool("last", "t1")}));
     QCOMPARE(outcome.output,
              QByteArray("some.pdf\n"
                         "├─ 0  last  (t1)\n"
@@ -98,9 +80,9 @@ void TestCommandTree::embeddedDocumentsUnderTheirStep()
 
 void TestCommandTree::severalDocumentsInOneStep()
 {
-    const QVector<FileSpec> files{embeddedDocument("a.tresk", {toldStep("in a", "t")}),
-                                  embeddedDocument("b.tresk", {toldStep("in b", "t")})};
-    QCOMPARE(tree(documentWith({toldStep("both", "t", files)})).output,
+    const QVector<FileSpec> files{embeddedDocument("a.tresk", {stepByTool("in a", "t")}),
+                                  embeddedDocument("b.tresk", {stepByTool("in b", "t")})};
+    QCOMPARE(tree(documentWith({stepByTool("both", "t", files)})).output,
              QByteArray("some.pdf\n"
                         "└─ 0  both  (t)\n"
                         "   ├─ a.tresk\n"
@@ -111,24 +93,25 @@ void TestCommandTree::severalDocumentsInOneStep()
 
 void TestCommandTree::onlyEmbeddedTreskFilesAreFollowed()
 {
-    const QVector<FileSpec> files{embeddedDocument("a.TRESK", {toldStep("in a", "t")}),
-                                  embeddedDocument("b.pdf", {toldStep("in b", "t")})};
-    QCOMPARE(tree(documentWith({toldStep("both", "t", files)})).output,
+    const QVector<FileSpec> files{embeddedDocument("a.TRESK", {stepByTool("in a", "t")}),
+                                  embeddedDocument("b.pdf", {stepByTool("in b", "t")})};
+    QCOMPARE(tree(documentWith({stepByTool("both", "t", files)})).output,
              QByteArray("some.pdf\n└─ 0  both  (t)\n"));
 }
 
 void TestCommandTree::textsAreSafeForTerminals()
 {
-    const FileSpec inner = embeddedDocument("x\x1b[2J.tresk", {toldStep("", "")});
-    QCOMPARE(tree(documentWith({toldStep("a\x07", "b\nc", {inner})})).output,
+    const FileSpec inner = embeddedDocument("x\x1b[2J.tresk", {stepByTool("", "")});
+    QCOMPARE(tree(documentWith({stepByTool("a\x07", "b\nc", {inner})})).output,
              QByteArray("some.pdf\n└─ 0  a\\x07  (b\\nc)\n   └─ x\\x1b[2J.tresk\n"
                         "      └─ 1  <no title>\n"));
 }
 
 void TestCommandTree::jsonHasTheSameShape()
 {
-    const FileSpec inner = embeddedDocument("b.tresk", {toldStep("two", "t2")});
-    const Outcome outcome = tree(documentWith({toldStep("one", "t1", {inner})}), {text("--json")});
+    const FileSpec inner = embeddedDocument("b.tresk", {stepByTool("two", "t2")});
+    const Outcome outcome = tree(documentWith({stepByTool("one", "t1", {inner})}),
+                                 {text("--json")});
     const QJsonObject object = jsonObject(outcome.output);
     QCOMPARE(object.value(text("document")).toString(), text("some.pdf"));
     const QJsonObject one = object.value(text("steps")).toArray().at(0).toObject();
@@ -145,8 +128,8 @@ void TestCommandTree::jsonHasTheSameShape()
 
 void TestCommandTree::dotQuotesWhatIsInIt()
 {
-    const FileSpec inner = embeddedDocument("b\".tresk", {toldStep("two", "")});
-    const Outcome outcome = tree(documentWith({toldStep("a \"b\\c", "t", {inner})}),
+    const FileSpec inner = embeddedDocument("b\".tresk", {stepByTool("two", "")});
+    const Outcome outcome = tree(documentWith({stepByTool("a \"b\\c", "t", {inner})}),
                                  {text("--dot")});
     QCOMPARE(outcome.output,
              QByteArray("digraph history {\n  rankdir=LR;\n  node [shape=box];\n"
@@ -160,7 +143,7 @@ void TestCommandTree::dotQuotesWhatIsInIt()
 
 void TestCommandTree::jsonAndDotExcludeEachOther()
 {
-    const Outcome outcome = tree(documentWith({toldStep("one", "t")}),
+    const Outcome outcome = tree(documentWith({stepByTool("one", "t")}),
                                  {text("--json"), text("--dot")});
     QCOMPARE(outcome.exitCode, 2);
     QVERIFY2(outcome.errors.contains("--json and --dot exclude each other"),
@@ -178,11 +161,11 @@ void TestCommandTree::noHistory()
 
 void TestCommandTree::brokenDocumentsInsideAreToldOf()
 {
-    FileSpec broken = embeddedDocument("b.tresk", {toldStep("in b", "t")});
+    FileSpec broken = embeddedDocument("b.tresk", {stepByTool("in b", "t")});
     broken.stored = QByteArray("no stream");
     const QVector<FileSpec> files{broken, FileSpec::plain(text("c.tresk"), "no document"),
-                                  embeddedDocument("d.tresk", {toldStep("in d", "t")})};
-    const Outcome outcome = tree(documentWith({toldStep("one", "t", files)}));
+                                  embeddedDocument("d.tresk", {stepByTool("in d", "t")})};
+    const Outcome outcome = tree(documentWith({stepByTool("one", "t", files)}));
     QCOMPARE(outcome.output,
              QByteArray("some.pdf\n└─ 0  one  (t)\n   └─ d.tresk\n      └─ 1  in d  (t)\n"));
     const QByteArray problem = "tresk: some.pdf: there is no history to be read in ";
@@ -196,12 +179,12 @@ void TestCommandTree::damageIsToldOf_data()
 {
     QTest::addColumn<QByteArray>("document");
     QTest::addColumn<QByteArray>("message");
-    const QVector<SectionSpec> cutOff = {toldStep("one", "t").with("size", "9999")};
-    SectionSpec astray = toldStep("one", "t").with("previousmarker", "12");
+    const QVector<SectionSpec> cutOff = {stepByTool("one", "t").with("size", "9999")};
+    SectionSpec astray = stepByTool("one", "t").with("previousmarker", "12");
     astray.gap = QByteArray(20, '\n'); // farther than the neighbourhood that is searched
-    const QVector<SectionSpec> broken = {toldStep("lost", "t"), astray};
+    const QVector<SectionSpec> broken = {stepByTool("lost", "t"), astray};
     const auto embedding = [](const QVector<SectionSpec>& steps) {
-        return documentWith({toldStep("outer", "t", {embeddedDocument("b.tresk", steps)})});
+        return documentWith({stepByTool("outer", "t", {embeddedDocument("b.tresk", steps)})});
     };
     const QByteArray beyond = "is cut off or damaged: 1 step would reach beyond its end\n";
     const QByteArray incomplete = "the history is incomplete: the step before step 0 is not where "
@@ -235,8 +218,8 @@ void TestCommandTree::nothingStaysInTheTemporaryDirectory()
 {
     const QString temporary = m_dir.path(text("temporary"));
     QVERIFY(QDir().mkpath(temporary));
-    const FileSpec inner = embeddedDocument("b.tresk", {toldStep("two", "t2")});
-    m_dir.write(text("some.pdf"), documentWith({toldStep("one", "t1", {inner})}));
+    const FileSpec inner = embeddedDocument("b.tresk", {stepByTool("two", "t2")});
+    m_dir.write(text("some.pdf"), documentWith({stepByTool("one", "t1", {inner})}));
     const Outcome outcome =
         Command({text("tree"), m_dir.path(text("some.pdf"))}).with(text("TMPDIR"), temporary).run();
     QVERIFY2(outcome.output.contains("1  two"), outcome.output.constData());

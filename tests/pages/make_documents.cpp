@@ -19,11 +19,6 @@ QString latin(const char* text)
     return QString::fromLatin1(text);
 }
 
-SectionSpec toldStep(const QByteArray& content, const QVector<FileSpec>& files = {})
-{
-    return step(latin("marker"), files + QVector<FileSpec>{summaryWith(content)});
-}
-
 /// The beginning of a PNG picture: all that tells it from other files.
 QByteArray pngHeader()
 {
