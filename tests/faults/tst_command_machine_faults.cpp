@@ -139,6 +139,7 @@ void TestCommandMachineFaults::faults_data()
     QTest::newRow("diff of the same") << "diff @documents/minimal.pdf @documents/minimal.pdf";
     QTest::newRow("report") << "report @documents/nested.pdf";
     QTest::newRow("report to a file") << "report @documents/nested.pdf -o @results/page.html";
+    QTest::newRow("report over a file") << "report @documents/nested.pdf -o @results/label.svg";
     QTest::newRow("diff to a page")
         << "diff @documents/minimal.pdf @documents/nested.pdf --html @results/page.html";
     QTest::newRow("args") << "args @documents/report.args";
