@@ -120,8 +120,8 @@ int TreskRunner::runTool(const QStringList& arguments, const QByteArray& input)
     process.closeWriteChannel();
 
     StreamDecoder decoder;
-    while (process.state() != QProcess::NotRunning) {
-        // What is there already was read by an event loop of the caller.
+    while (process.state() != QProcess::NotRunning || process.bytesAvailable() > 0) {
+        // What is there already was read by an event loop of the caller, or at the tool's end.
         if (process.bytesAvailable() > 0 || process.waitForReadyRead(outputTime)) {
             processOutput(decoder.decode(process.readAllStandardOutput()), false);
             Q_EMIT intercept();

@@ -5,6 +5,7 @@
 #include <tresk/TreskaddRunner.h>
 #include <tresk/TreskdelRunner.h>
 
+#include <QCoreApplication>
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
@@ -68,6 +69,7 @@ private Q_SLOTS:
     void notFound_data();
     void notFound();
     void absolutePathIsRelative();
+    void emptyPathIsTheApplicationsDirectory();
     void environmentIsNotSearched();
     void notStarted_data();
     void notStarted();
@@ -229,6 +231,14 @@ void TestTreskRunner::absolutePathIsRelative()
     runner.setSearchPaths({m_tools->path(text("."))});
     QCOMPARE(runner.findTreskrun(), QString());
     QCOMPARE(runner.runProcess(QString()), -1000);
+}
+
+void TestTreskRunner::emptyPathIsTheApplicationsDirectory()
+{
+    // Where this program is.
+    NamedRunner runner(QFileInfo(QCoreApplication::applicationFilePath()).fileName(), nullptr);
+    runner.setSearchPaths({text("no tools"), text("")});
+    QCOMPARE(runner.findTreskrun(), QCoreApplication::applicationFilePath());
 }
 
 void TestTreskRunner::environmentIsNotSearched()

@@ -13,6 +13,10 @@
 #include <QTextCodec>
 #endif
 
+#include <cerrno>
+
+#include <sys/wait.h>
+
 using tresk::TreskaddRunner;
 using tresk::TreskdelRunner;
 using tresk::TreskRunner;
@@ -74,9 +78,12 @@ private Q_SLOTS:
     void silentToolIsNotIntercepted();
     void isReusable();
     void restIsNotCarriedOver();
+    void restStaysAfterRun();
+    void restIsForgottenWithoutTool_data();
     void restIsForgottenWithoutTool();
     void nestedRuns();
     void eventsWhileIntercepted();
+    void lastPieceIsInterceptedToo();
 
 private:
     const ToolFolder m_tools;
@@ -308,15 +315,40 @@ void TestTreskRunnerRun::restIsNotCarriedOver()
              QStringList({text("2 : a\n"), exitMessage(0), text("0 b\n"), exitMessage(0)}));
 }
 
-void TestTreskRunnerRun::restIsForgottenWithoutTool()
+void TestTreskRunnerRun::restStaysAfterRun()
 {
     const RunnerLog log(m_add);
-    m_add.setSearchPaths({});
-    m_add.processOutput(text("a"), false);
-    QCOMPARE(m_add.runProcess(QString()), -1000);
-    m_add.processOutput(text("b\n"), true);
+    standIn(out("a\nb"));
+    QCOMPARE(m_add.runProcess(QString()), 0);
+    m_add.processOutput(QString(), true);
     QCOMPARE(log.messages,
-             QStringList({text("2 could not find any  executable\n"), text("0 b\n")}));
+             QStringList({text("0 a\n"), text("0 b\n"), exitMessage(0), text("0 b\n")}));
+}
+
+void TestTreskRunnerRun::restIsForgottenWithoutTool_data()
+{
+    QTest::addColumn<bool>("isThere");
+    QTest::addColumn<int>("exitCode");
+    QTest::newRow("not found") << false << -1000;
+    QTest::newRow("not started") << true << -1001;
+}
+
+void TestTreskRunnerRun::restIsForgottenWithoutTool()
+{
+    QFETCH(bool, isThere);
+    QFETCH(int, exitCode);
+    if (isThere && isUnderValgrind())
+        QSKIP("valgrind ends where a program cannot be started");
+    m_tools.makeFolder(text("no tools"));
+    if (isThere)
+        m_tools.write(text("no tools/treskadd"), "not executable");
+    m_add.setSearchPaths({m_tools.relative(text("no tools"))});
+    const RunnerLog log(m_add);
+    m_add.processOutput(text("a"), false);
+    QCOMPARE(m_add.runProcess(QString()), exitCode);
+    m_add.processOutput(text("b\n"), true);
+    QCOMPARE(log.messages.size(), 2);
+    QCOMPARE(log.messages.constLast(), text("0 b\n"));
 }
 
 void TestTreskRunnerRun::nestedRuns()
@@ -362,6 +394,23 @@ void TestTreskRunnerRun::eventsWhileIntercepted()
     QCOMPARE(m_add.runProcess(text("input")), 0);
     QCOMPARE(log.messages,
              QStringList({text("0 a\n"), text("0 b\n"), text("0 c\n"), exitMessage(0)}));
+}
+
+void TestTreskRunnerRun::lastPieceIsInterceptedToo()
+{
+    // The tool prints it and ends while the piece before it is dealt with.
+    const RunnerLog log(m_add);
+    QObject context;
+    connect(&m_add, &TreskRunner::intercept, &context, [] {
+        siginfo_t info = {};
+        while (waitid(P_ALL, 0, &info, WEXITED | WNOWAIT) != 0 && errno == EINTR) { }
+    });
+    const QString intercept = text("intercept");
+    standIn(inPieces({"a\n"}) + out("b\nc"));
+    QCOMPARE(m_add.runProcess(QString()), 0);
+    QCOMPARE(log.events,
+             QStringList({text("0 a\n"), intercept, text("0 b\n"), intercept, text("0 c\n"),
+                          exitMessage(0)}));
 }
 
 QTEST_GUILESS_MAIN(TestTreskRunnerRun)

@@ -117,6 +117,7 @@ void TestWSFile::filenameAndPath_data()
     QTest::newRow("dots stay") << text("./../x/./a") << text("./../x/./") << text("a");
     QTest::newRow("parent") << text("..") << text("./") << text("..");
     QTest::newRow("double slash") << text("x//a") << text("x/") << text("a");
+    QTest::newRow("empty") << text("") << text("./") << QString();
     QTest::newRow("non-ASCII") << text("ä/😀") << text("ä/") << text("😀");
 }
 
