@@ -16,8 +16,14 @@ TempTreskfile::TempTreskfile(const QSharedPointer<TreskParser>& parser, const QS
 
 TempTreskfile::~TempTreskfile()
 {
-    if (m_temporary)
-        QFile::remove(m_path);
+    if (!m_temporary)
+        return;
+    const QWeakPointer<TreskParser> parser = m_parser;
+    m_parser.clear();
+    // Who keeps the parser reads on. So it has to have its file open, which it may have released.
+    if (const QSharedPointer<TreskParser> kept = parser.toStrongRef())
+        kept->getBytes(0, 1);
+    QFile::remove(m_path);
 }
 
 TreskFileManager::TreskFileManager(QObject* listener)

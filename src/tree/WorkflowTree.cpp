@@ -91,8 +91,6 @@ void WorkflowTree::treeFromTreskFile(const QString& path)
 
 void WorkflowTree::treeFromTreskFile(const QSharedPointer<TreskParser>& parser, const QString& path)
 {
-    if (parser)
-        parser->getBytes(0, 1); // opens a file again that is deleted with this tree's documents
     clear();
     if (!m_files.addTreskFile(parser, path))
         return;

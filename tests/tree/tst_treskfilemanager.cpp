@@ -12,6 +12,7 @@ using tresk::TreskFileManager;
 using tresk::TreskParser;
 using tresktest::history;
 using tresktest::LogLines;
+using tresktest::readFile;
 using tresktest::step;
 using tresktest::TestDir;
 
@@ -51,6 +52,9 @@ private Q_SLOTS:
     void temporaryFilesGo();
     void temporaryFileThatIsGone();
     void parserOutlivesItsRecord();
+    void releasedParserOutlivesItsRecord();
+    void openedParserTakesThePlaceOfATemporaryFile();
+    void parserUnderTwoPathsIsRelayedTwice();
     void clearForgets();
     void copiesShareDocuments();
     void copiesAreIndependent();
@@ -175,7 +179,7 @@ void TestTreskFileManager::keepsAnOpenedParser()
         QVERIFY(files.addTreskFile(parser, path) == parser);
     }
     QVERIFY(QFileInfo::exists(path));
-    QVERIFY(parser->getFileContent(0));
+    QVERIFY(!parser->getBytes(0, 1).isEmpty());
 }
 
 void TestTreskFileManager::openedParserTakesThePlaceOfAnother()
@@ -246,10 +250,47 @@ void TestTreskFileManager::parserOutlivesItsRecord()
     const QString path = save();
     TreskFileManager files;
     const QSharedPointer<TreskParser> parser = files.addTreskFile(path, true);
+    const QByteArray document = readFile(path);
     files.clear();
     QVERIFY(!QFileInfo::exists(path));
     QCOMPARE(parser->getNumSections(), 1);
-    QVERIFY(parser->getFileContent(0)); // it has the file open still
+    QVERIFY(parser->getBytes(0, int(document.size())) == document); // it has the file open still
+}
+
+void TestTreskFileManager::releasedParserOutlivesItsRecord()
+{
+    const QString path = save();
+    TreskFileManager files;
+    const QSharedPointer<TreskParser> parser = files.addTreskFile(path, true);
+    const QByteArray document = readFile(path);
+    parser->releaseFile();
+    files.clear();
+    QVERIFY(!QFileInfo::exists(path));
+    QVERIFY(parser->getBytes(0, int(document.size())) == document);
+}
+
+/// The record that goes takes the file with it, which the new one names.
+void TestTreskFileManager::openedParserTakesThePlaceOfATemporaryFile()
+{
+    const QString path = save();
+    TreskFileManager files;
+    QVERIFY(files.addTreskFile(path, true));
+    const auto parser = QSharedPointer<TreskParser>::create(tresk::ParseTolerant);
+    QVERIFY(parser->open(path));
+    QVERIFY(files.addTreskFile(parser, path) == parser);
+    QVERIFY(!QFileInfo::exists(path));
+    QVERIFY(files.parser(path) == parser);
+}
+
+void TestTreskFileManager::parserUnderTwoPathsIsRelayedTwice()
+{
+    TreskFileManager files;
+    const auto parser = QSharedPointer<TreskParser>::create(tresk::ParseTolerant);
+    files.addTreskFile(parser, QStringLiteral("a"));
+    files.addTreskFile(parser, QStringLiteral("b"));
+    const LogLines lines(files);
+    Q_EMIT parser->log(QStringLiteral("once"), 0);
+    QCOMPARE(lines.lines.size(), 2);
 }
 
 void TestTreskFileManager::clearForgets()
@@ -272,7 +313,7 @@ void TestTreskFileManager::copiesShareDocuments()
     QVERIFY(copy->parser(path).data() == parser);
     files.reset();
     QVERIFY(QFileInfo::exists(path));
-    QVERIFY(copy->parser(path)->getFileContent(0));
+    QVERIFY(!copy->parser(path)->getBytes(0, 1).isEmpty());
     copy.reset();
     QVERIFY(!QFileInfo::exists(path));
 }

@@ -35,6 +35,8 @@ private Q_SLOTS:
     void temporaryFilesArePrivate();
     void temporaryFilesGoWithTheTree();
     void temporaryFilesGoWhenCleared();
+    void parsersOutliveTheTree_data();
+    void parsersOutliveTheTree();
     void filledAgain();
     void openedParser();
     void nullParser();
@@ -149,6 +151,30 @@ void TestWorkflowTreeFiles::temporaryFilesGoWhenCleared()
     QVERIFY(!tree.treskParser(0));
 }
 
+void TestWorkflowTreeFiles::parsersOutliveTheTree_data()
+{
+    QTest::addColumn<bool>("isUsedBefore");
+    QTest::newRow("used before") << true;
+    QTest::newRow("not used before") << false;
+}
+
+void TestWorkflowTreeFiles::parsersOutliveTheTree()
+{
+    QFETCH(bool, isUsedBefore);
+    const FileSpec data = FileSpec::flate(latin1("data"), QByteArray(200000, 'd'));
+    const QByteArray inner = history({step("inner", {data})});
+    auto tree = std::make_unique<WorkflowTree>();
+    tree->treeFromTreskFile(save(history({step("outer", {embedded("in.tresk", inner)})})));
+    const QSharedPointer<TreskParser> parser = tree->treskParser(1);
+    if (isUsedBefore)
+        QVERIFY(parser->getFileContent(0));
+    tree.reset();
+    QCOMPARE(m_temporary->files(), QStringList());
+    QVERIFY(parser->getFileContent(0));
+    QVERIFY(*parser->getFileContent(0) == data.content);
+    QVERIFY(parser->getBytes(0, int(inner.size())) == inner);
+}
+
 void TestWorkflowTreeFiles::filledAgain()
 {
     WorkflowTree tree;
@@ -174,7 +200,7 @@ void TestWorkflowTreeFiles::openedParser()
     QVERIFY(tree.treskParser(0) == parser);
     tree.clear();
     QCOMPARE(parser->getNumSections(), 1);
-    QVERIFY(parser->getFileContent(0));
+    QVERIFY(!parser->getBytes(0, 1).isEmpty());
 }
 
 void TestWorkflowTreeFiles::nullParser()
@@ -197,7 +223,7 @@ void TestWorkflowTreeFiles::embeddedDocumentOfTheSameTree()
     QCOMPARE(log.lines, QStringList());
     QCOMPARE(textOf(tree), latin1("level 1(level 0)"));
     QCOMPARE(m_temporary->files().size(), 1);
-    QVERIFY(tree.treskParser(3)->getFileContent(0));
+    QVERIFY(!tree.treskParser(3)->getBytes(0, 1).isEmpty());
 }
 
 void TestWorkflowTreeFiles::logsAreRelayed()
@@ -226,12 +252,12 @@ void TestWorkflowTreeFiles::copiesShareTheDocuments()
     tree.reset();
     QCOMPARE(m_temporary->files().size(), 2);
     QCOMPARE(textOf(*copy), latin1("level 2(level 1(level 0))"));
-    QVERIFY(copy->treskParser(1)->getFileContent(0));
+    QVERIFY(!copy->treskParser(1)->getBytes(0, 1).isEmpty());
     WorkflowTree last = *copy;
     copy->clear();
     QCOMPARE(m_temporary->files().size(), 2);
     copy.reset();
-    QVERIFY(last.treskParser(2)->getFileContent(0));
+    QVERIFY(!last.treskParser(2)->getBytes(0, 1).isEmpty());
     last.treeFromTreskFile(m_dir.path(latin1("missing")));
     QCOMPARE(m_temporary->files(), QStringList());
 }
@@ -248,7 +274,7 @@ void TestWorkflowTreeFiles::assignedTreeLetsGo()
     tree = WorkflowTree();
     QCOMPARE(tree.root(), -2);
     QCOMPARE(m_temporary->files().size(), 2);
-    QVERIFY(other.treskParser(2)->getFileContent(0));
+    QVERIFY(!other.treskParser(2)->getBytes(0, 1).isEmpty());
 }
 
 void TestWorkflowTreeFiles::assignedToItself()
@@ -259,7 +285,7 @@ void TestWorkflowTreeFiles::assignedToItself()
     tree = same;
     QCOMPARE(textOf(tree), latin1("level 2(level 1(level 0))"));
     QCOMPARE(m_temporary->files().size(), 2);
-    QVERIFY(tree.treskParser(1)->getFileContent(0));
+    QVERIFY(!tree.treskParser(1)->getBytes(0, 1).isEmpty());
 }
 
 QTEST_GUILESS_MAIN(TestWorkflowTreeFiles)
