@@ -320,10 +320,8 @@ bool FileIterator::getLastBuffer()
 
 bool FileIterator::searchForwards()
 {
-    if (!isOpen())
-        return false;
     m_lineStart = int(cursorPos());
-    if (reachedEnd())
+    if (!isOpen() || reachedEnd())
         return false;
     const qint64 start = cursorPos();
     const auto feedBehindCursor = [this] {
@@ -348,7 +346,7 @@ bool FileIterator::searchForwards()
 
 bool FileIterator::searchBackwards()
 {
-    if (!isOpen())
+    if (!isOpen() && !reachedStart())
         return false;
     m_lineStart = 0;
     if (reachedStart())

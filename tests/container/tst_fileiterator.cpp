@@ -34,6 +34,8 @@ private Q_SLOTS:
     void closed();
     void failedOpen_data();
     void failedOpen();
+    void readsWithoutFile_data();
+    void readsWithoutFile();
     void failedOpenKeepsLine();
     void openReadsFirstLine();
     void openEmptyFile();
@@ -149,6 +151,31 @@ void TestFileIterator::failedOpen()
     QVERIFY(!m_iterator->prevLineContaining("a"));
     QCOMPARE(m_iterator->getBytes(0, 1), QByteArray());
     QCOMPARE(lineOf(*m_iterator), QByteArray());
+    // Where the first line would begin.
+    QVERIFY(m_iterator->reachedStart());
+    QVERIFY(m_iterator->reachedEnd());
+    QCOMPARE(m_iterator->curPos(), 0);
+}
+
+void TestFileIterator::readsWithoutFile_data()
+{
+    QTest::addColumn<bool>("isForwards");
+    QTest::newRow("next") << true;
+    QTest::newRow("previous") << false;
+}
+
+void TestFileIterator::readsWithoutFile()
+{
+    QFETCH(bool, isForwards);
+    const auto read = [this, isForwards] {
+        return isForwards ? m_iterator->nextLine() : m_iterator->prevLine();
+    };
+    QVERIFY(!read());
+    QCOMPARE(m_iterator->curPos(), -1);
+    QVERIFY(!m_iterator->firstLine());
+    QCOMPARE(m_iterator->curPos(), -1);
+    QVERIFY(!read());
+    QCOMPARE(m_iterator->curPos(), 0);
 }
 
 void TestFileIterator::failedOpenKeepsLine()
@@ -501,6 +528,9 @@ void TestFileIterator::text_data()
     QTest::newRow("ASCII") << QByteArray("abc\n") << QStringLiteral("abc\n");
     QTest::newRow("two bytes") << QByteArray("\xc3\xa4\n") << QStringLiteral("\u00e4\n");
     QTest::newRow("surrogates") << QByteArray("\xf0\x9f\x98\x80") << QStringLiteral("\U0001f600");
+    QTest::newRow("byte order mark") << QByteArray("\xef\xbb\xbf"
+                                                   "a\n")
+                                     << QStringLiteral("a\n");
     QTest::newRow("not UTF-8") << QByteArray("a\xff\n") << QStringLiteral("a\ufffd\n");
 }
 
