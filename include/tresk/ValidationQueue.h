@@ -94,7 +94,8 @@ public Q_SLOTS:
 Q_SIGNALS:
     /// Embedded file @p id has been checked.
     void fileProcessed(int id, bool valid);
-    /// The file on disk @p filename (SavedFile::path) has been checked.
+    /// The file on disk @p filename (SavedFile::path) has been checked. One that cannot be opened
+    /// is not valid, also where an empty one would be.
     void savedFileProcessed(QString filename, bool valid);
     /// Section @p id has been checked.
     void sectionProcessed(int id, bool valid);

@@ -248,8 +248,9 @@ void ValidationQueue::feedFromDisk(int count)
 void ValidationQueue::finishEntry(const Validatee& entry)
 {
     // A region that ends where its tag begins does not hold the tag that was fed.
-    const bool valid = m_validator.isValid() && !isAtTag(entry, m_offset)
-        && (entry.type == SavedFileType || isInDocument(*m_parser, entry));
+    const bool isThere = entry.type == SavedFileType ? m_savedFile.isOpen()
+                                                     : isInDocument(*m_parser, entry);
+    const bool valid = isThere && m_validator.isValid() && !isAtTag(entry, m_offset);
     switch (entry.type) {
     case SectionType:
         Q_EMIT sectionProcessed(entry.id, valid);

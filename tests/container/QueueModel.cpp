@@ -190,8 +190,10 @@ void ValidationModel::beginEntry(const Entry& entry)
     m_fed.clear();
     m_incomplete = false;
     m_tagsMet = 0;
-    if (entry.type == Saved)
-        m_savedBytes = QFileInfo(entry.name).isFile() ? readFile(entry.name) : QByteArray();
+    if (entry.type != Saved)
+        return;
+    m_savedIsOpen = QFileInfo(entry.name).isFile();
+    m_savedBytes = m_savedIsOpen ? readFile(entry.name) : QByteArray();
 }
 
 void ValidationModel::hashBlock(const Entry& entry)
@@ -213,8 +215,8 @@ void ValidationModel::hashBlock(const Entry& entry)
 
 void ValidationModel::finishEntry(const Entry& entry)
 {
-    const QString state = m_tagsMet < 2 && fedIsValid() ? QStringLiteral(" valid")
-                                                        : QStringLiteral(" invalid");
+    const bool isValid = m_tagsMet < 2 && fedIsValid() && (entry.type != Saved || m_savedIsOpen);
+    const QString state = isValid ? QStringLiteral(" valid") : QStringLiteral(" invalid");
     if (entry.type == Section)
         add(QStringLiteral("section %1").arg(entry.id) + state);
     else if (entry.type == File)
@@ -222,12 +224,13 @@ void ValidationModel::finishEntry(const Entry& entry)
     else
         add(QStringLiteral("saved ") + entry.name + state);
     if (entry.type == Saved) {
-        const QString verdict = fedIsValid() ? QStringLiteral(" is correct")
-                                             : QStringLiteral(" is incorrect");
+        const QString verdict = isValid ? QStringLiteral(" is correct")
+                                        : QStringLiteral(" is incorrect");
         add(QStringLiteral("log 0 Checksum of file ") + entry.name + verdict);
     }
     m_queue.removeFirst();
     m_savedBytes.clear();
+    m_savedIsOpen = false;
     m_offset = 0;
 }
 

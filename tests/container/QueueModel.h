@@ -78,6 +78,7 @@ private:
     QString m_md5Compressed;
     QByteArray m_fed;
     bool m_incomplete = false; // the document does not have all bytes of the current entry
+    bool m_savedIsOpen = false;
     QByteArray m_savedBytes; // of the open file that are still to be read
     QStringList m_events;
 };

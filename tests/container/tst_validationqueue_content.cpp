@@ -271,17 +271,18 @@ void TestValidationQueueContent::savedFilesThatAreNoFiles_data()
 
 void TestValidationQueueContent::savedFilesThatAreNoFiles()
 {
-    // They read as nothing, at once.
+    // They read as nothing, at once, and that is not what an empty file has.
     QFETCH(QString, path);
     const QString zeros = QString::fromLatin1(md5Hex(QByteArray(10, '\0')));
     const QString nothing = QString::fromLatin1(md5Hex(""));
     for (const int blockSize : {3, 100000}) {
-        const QString invalid = check(SavedFile{path, zeros, 10}, blockSize);
-        QVERIFY2(invalid.startsWith(QStringLiteral("saved ") + path + QStringLiteral(" invalid")),
-                 qPrintable(invalid));
-        const QString valid = check(SavedFile{path, nothing, 10}, blockSize);
-        QVERIFY2(valid.startsWith(QStringLiteral("saved ") + path + QStringLiteral(" valid")),
-                 qPrintable(valid));
+        for (const SavedFile& file : {SavedFile{path, zeros, 10}, SavedFile{path, nothing, 10},
+                                      SavedFile{path, nothing, 0}, SavedFile{path, nothing, -1}}) {
+            const QString verdict = check(file, blockSize);
+            QVERIFY2(
+                verdict.startsWith(QStringLiteral("saved ") + path + QStringLiteral(" invalid")),
+                qPrintable(verdict));
+        }
     }
 }
 
