@@ -64,6 +64,9 @@ private Q_SLOTS:
     void chainEndsAtCycle_data();
     void chainEndsAtCycle();
     void chainThatFindsItselfNearby();
+    void pointerOutsideFromBehindText_data();
+    void pointerOutsideFromBehindText();
+    void onlyThePlaceOfThePreviousCounts();
 
 private:
     /// The titles of the sections that a parser of @p mode lists, newest first.
@@ -428,6 +431,41 @@ void TestSectionChain::chainThatFindsItselfNearby()
     doc.writeSection(titled("b").with("previousmarker", QByteArray::number(2 * lineLength)));
     QCOMPARE(titles(doc), list({"b"}));
     QCOMPARE(titles(doc, tresk::ParseStrict), list({"b"}));
+}
+
+void TestSectionChain::pointerOutsideFromBehindText_data()
+{
+    QTest::addColumn<int>("linesBefore");
+    QTest::addColumn<bool>("found");
+    QTest::newRow("1 line before") << 1 << true;
+    QTest::newRow("5 lines before") << 5 << true;
+    QTest::newRow("6 lines before") << 6 << false;
+}
+
+/// Nothing was read at a target then: the search begins where the newest marker was found, from
+/// behind, and so a line further up than otherwise.
+void TestSectionChain::pointerOutsideFromBehindText()
+{
+    QFETCH(int, linesBefore);
+    QFETCH(bool, found);
+    DocumentWriter doc = newDocument();
+    doc.write(lines(10));
+    doc.writeSection(titled("a"));
+    doc.write(lines(linesBefore - 1));
+    SectionSpec section = titled("b").with("previousmarker", "1000000");
+    section.beforeMarker = "%%EOF";
+    doc.writeSection(section);
+    QCOMPARE(titles(doc), found ? list({"b", "a"}) : list({"b"}));
+}
+
+void TestSectionChain::onlyThePlaceOfThePreviousCounts()
+{
+    DocumentWriter doc = newDocument();
+    doc.writeSection(titled("a").with("index", "7"));
+    doc.write(lines(20));
+    doc.writeSection(titled("b").with("index", "7").with("previousmd5", QByteArray(32, 'f')));
+    QCOMPARE(titles(doc), list({"b", "a"}));
+    QCOMPARE(titles(doc, tresk::ParseStrict), list({"b", "a"}));
 }
 
 QTEST_GUILESS_MAIN(TestSectionChain)
