@@ -56,6 +56,7 @@ private Q_SLOTS:
     void addedAfterTheLastFailure();
     void cancelAfterTheLastFailure();
     void onlyFailures();
+    void cancelInSlot_data();
     void cancelInSlot();
     void pathWithPlaceholders();
 
@@ -283,12 +284,24 @@ void TestExtractionQueueFaults::onlyFailures()
     QCOMPARE(step(queue, events), QStringLiteral("percent 100  | done"));
 }
 
+void TestExtractionQueueFaults::cancelInSlot_data()
+{
+    QTest::addColumn<bool>("isOfMessage");
+    QTest::newRow("of the message") << true;
+    QTest::newRow("of the result") << false;
+}
+
 void TestExtractionQueueFaults::cancelInSlot()
 {
+    QFETCH(bool, isOfMessage);
     QVERIFY(open({storedAs(flate(twoLines), twoLines), plain(twoLines)}));
     ExtractionQueue queue(&m_parser);
     QueueEvents events(queue);
-    connect(&queue, &ExtractionQueue::fileProcessed, &queue, &ExtractionQueue::cancelExtraction);
+    if (isOfMessage)
+        connect(&queue, &ExtractionQueue::log, &queue, &ExtractionQueue::cancelExtraction);
+    else
+        connect(&queue, &ExtractionQueue::fileProcessed, &queue,
+                &ExtractionQueue::cancelExtraction);
     const QString path = m_dir.path(QStringLiteral("never written"));
     queue.addExtractees({{0, target(0)}, {1, path}});
     QVERIFY(step(queue, events).endsWith(QStringLiteral("failed 0 | done")));
