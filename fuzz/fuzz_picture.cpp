@@ -4,9 +4,8 @@
 #include "ByteSource.h"
 #include "FuzzTarget.h"
 
+#include <ByteOrder.h>
 #include <Picture.h>
-
-#include <QtEndian>
 
 #include <algorithm>
 
@@ -14,24 +13,10 @@ using tresk::cli::pictureExtent;
 using tresk::cli::PictureExtent;
 using tresk::cli::pictureType;
 using tresk_fuzz::ByteSource;
+using tresktest::bigEndian;
+using tresktest::littleEndian;
 
 namespace {
-
-template <typename Number>
-QByteArray bigEndian(Number number)
-{
-    QByteArray bytes(int(sizeof number), '\0');
-    qToBigEndian(number, bytes.data());
-    return bytes;
-}
-
-template <typename Number>
-QByteArray littleEndian(Number number)
-{
-    QByteArray bytes(int(sizeof number), '\0');
-    qToLittleEndian(number, bytes.data());
-    return bytes;
-}
 
 quint16 shortFrom(ByteSource& source)
 {

@@ -1,8 +1,9 @@
 #include "Documents.h"
 
+#include <ByteOrder.h>
+
 #include <QDir>
 #include <QFile>
-#include <QtEndian>
 
 #include <zlib.h>
 
@@ -57,9 +58,7 @@ QByteArray streamOfZeros(qint64 size)
         result += block;
     result += QByteArray("\x03\x00", 2); // the last block, empty
     const quint32 adler = (static_cast<quint32>(size % 65521) << 16) | 1;
-    uchar trailer[4];
-    qToBigEndian(adler, trailer);
-    return result.append(reinterpret_cast<const char*>(trailer), sizeof trailer);
+    return result + bigEndian(adler);
 }
 
 FileSpec fileOfZeros(const QString& name, qint64 size)

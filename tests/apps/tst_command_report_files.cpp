@@ -2,12 +2,12 @@
 #include "Documents.h"
 #include "HtmlPage.h"
 
+#include <ByteOrder.h>
 #include <TestFiles.h>
 
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
-#include <QtEndian>
 #include <QtTest>
 
 #include <csignal>
@@ -57,22 +57,6 @@ private:
 };
 
 namespace {
-
-template <typename Number>
-QByteArray bigEndian(Number number)
-{
-    QByteArray bytes(int(sizeof number), '\0');
-    qToBigEndian(number, bytes.data());
-    return bytes;
-}
-
-template <typename Number>
-QByteArray littleEndian(Number number)
-{
-    QByteArray bytes(int(sizeof number), '\0');
-    qToLittleEndian(number, bytes.data());
-    return bytes;
-}
 
 QByteArray png(quint32 width, quint32 height, int bytesBehind = 20)
 {
