@@ -17,6 +17,7 @@
 #include <cerrno>
 #include <cstdarg>
 #include <cstddef>
+#include <cstdint>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
@@ -142,14 +143,29 @@ bool failsToMove(Kind kind, size_t& size)
     return error > 0;
 }
 
-/// Whether the call comes from QObject::connect(), where Qt takes memory for a connection without
-/// a look at whether there is any, and crashes without.
-bool isUnchecked(const void* caller)
+/// Whether @p caller is in QObject::connect(), where Qt takes memory for a connection without a
+/// look at whether there is any, and crashes without.
+bool isInConnect(const void* caller)
 {
     const char function[] = "_ZN14QObjectPrivate13addConnection";
     Dl_info place = {};
     return dladdr(caller, &place) != 0 && place.dli_sname
         && std::strncmp(place.dli_sname, function, sizeof function - 1) == 0;
+}
+
+/// The same, without looking up each of the few places that allocate again: most of the time
+/// would go into that.
+bool isUnchecked(const void* caller)
+{
+    static std::array<std::atomic<const void*>, 4096> checked = {};
+    std::atomic<const void*>& place =
+        checked[reinterpret_cast<std::uintptr_t>(caller) % checked.size()];
+    if (place == caller)
+        return false;
+    const bool unchecked = isInConnect(caller);
+    if (!unchecked)
+        place = caller;
+    return unchecked;
 }
 
 /// Counts an allocation, unless its caller is one that cannot be helped. True if it is to fail.
