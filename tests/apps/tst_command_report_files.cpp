@@ -464,7 +464,7 @@ void TestCommandReportFiles::noRoom()
     const QStringList before = entriesOf(m_dir.path(QString()));
     const Outcome outcome = Command(text("report some.pdf -o old.html").split(QLatin1Char(' ')))
                                 .inDirectory(m_dir.path(QString()))
-                                .inShell(text("ulimit -f 100; exec \"$@\""))
+                                .inShell(text("ulimit -f 1000; exec \"$@\""))
                                 .run();
     QCOMPARE(outcome.errors, QByteArray("tresk: old.html: cannot be written: File too large\n"));
     QCOMPARE(outcome.exitCode, 2);
