@@ -66,6 +66,8 @@ private Q_SLOTS:
     void effort();
     void effortForEachSection();
     void filesOfEachSection();
+    void filesOfTheNewestSection();
+    void filesOfNoSection();
 };
 
 void TestSummarySource::nameOfTheSummary_data()
@@ -371,6 +373,44 @@ void TestSummarySource::filesOfEachSection()
         SummaryCreator().createSummaries(opened.parser, budget);
         QCOMPARE(budget.namingTooMany, named == 0 ? QList<int>() : QList<int>{2});
         QCOMPARE(budget.withoutFiles, QList<int>({1, 0}));
+    }
+}
+
+void TestSummarySource::filesOfTheNewestSection()
+{
+    // The older summary has no step in it, and so gets the four files of the newest section.
+    DocumentWriter document = newDocument();
+    document.writeSection(stepWith({summaryFile("<trxchange/>")}));
+    document.writeSection(stepWith(QVector<FileSpec>(4, fileNamed("a"))));
+    OpenedDocument opened(document);
+    for (const bool isEnough : {true, false}) {
+        SummaryBudget budget;
+        budget.files = isEnough ? 1 + 4 + 4 : 1 + 3;
+        const QList<Summary> summaries = SummaryCreator().createSummaries(opened.parser, budget);
+        QCOMPARE(summaries.size(), 2);
+        QCOMPARE(summaries.at(0).files.size(), isEnough ? 4 : 0);
+        QCOMPARE(summaries.at(1).files.size(), isEnough ? 4 : 0);
+        QCOMPARE(budget.files, qint64(isEnough ? 0 : 3));
+        QCOMPARE(budget.withoutFiles, isEnough ? QList<int>() : QList<int>({1, 0}));
+    }
+}
+
+void TestSummarySource::filesOfNoSection()
+{
+    DocumentWriter document = newDocument();
+    document.writeFile(fileNamed("stray"));
+    document.writeFile(fileNamed("stray"));
+    document.writeSection(stepWith({fileNamed("a")}));
+    OpenedDocument opened(document);
+    for (const bool isEnough : {true, false}) {
+        SummaryBudget budget;
+        budget.files = isEnough ? 3 : 2;
+        const QList<Summary> summaries = SummaryCreator().createSummaries(opened.parser, budget);
+        QCOMPARE(titles(summaries).last(), latin1("<unmatched files>"));
+        QCOMPARE(summaries.at(0).files.size(), 1);
+        QCOMPARE(summaries.last().files.size(), isEnough ? 2 : 0);
+        QCOMPARE(budget.files, qint64(isEnough ? 0 : 1));
+        QCOMPARE(budget.withoutFiles, isEnough ? QList<int>() : QList<int>{-1});
     }
 }
 

@@ -207,6 +207,7 @@ void TestTreskFileManager::unknownPath()
     TreskFileManager files;
     QVERIFY(!files.parser(QStringLiteral("unknown")));
     QVERIFY(!files.parser(QString()));
+    files.remove(QStringLiteral("unknown"));
 }
 
 void TestTreskFileManager::temporaryFilesGo_data()
