@@ -169,7 +169,7 @@ void Command::start(QProcess& process) const
 
 void waitUntilRead(qint64 processId, qint64 bytes)
 {
-    // It reads the programs itself, before they begin.
+    // valgrind reads programs itself, before they begin.
     const qint64 most = isUnderValgrind() ? bytes + 64 * 1024 * 1024 : bytes;
     QElapsedTimer timer;
     timer.start();
